@@ -1,0 +1,140 @@
+#include "platforms/sim/headless_runner.h"
+
+#include <istream>
+#include <ostream>
+
+#include "vantu/value/json.h"
+
+namespace vantu::sim {
+namespace {
+
+std::optional<std::string> advanceCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
+  auto seconds = line.getNumber("advance");
+  if (!seconds || *seconds < 0 || *seconds > 1e9) return std::string("\"advance\" must be a number of seconds >= 0");
+  runner.device().dispatch().advance(secondsToDuration(*seconds));
+  out.set("advanced", *seconds);
+  out.set("settled", runner.settle());
+  return std::nullopt;
+}
+
+std::optional<std::string> scenarioCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
+  const Value* fragment = line.find("scenario");
+  if (auto error = runner.device().apply(*fragment)) return "scenario: " + *error;
+  out.set("scenario", "applied");
+  out.set("settled", runner.settle());
+  return std::nullopt;
+}
+
+Array toArray(std::vector<Dict> items) {
+  Array a;
+  a.reserve(items.size());
+  for (auto& item : items) a.emplace_back(std::move(item));
+  return a;
+}
+
+}  // namespace
+
+HeadlessRunner::HeadlessRunner(SimDevice& device, RunnerOptions options) : device_(device), options_(options) {
+  registerAllBridges(registry_);
+  addCommand("bridge", [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.call(line, out); });
+  addCommand("advance", advanceCommand);
+  addCommand("scenario", scenarioCommand);
+}
+
+void HeadlessRunner::addCommand(std::string key, Command command) { commands_.emplace_back(std::move(key), std::move(command)); }
+
+bool HeadlessRunner::settle() { return device_.dispatch().settle(options_.settleTimeout); }
+
+std::optional<std::string> HeadlessRunner::call(const Dict& line, Dict& out) {
+  auto bridge = line.getString("bridge");
+  if (!bridge) return std::string("\"bridge\" must be a string");
+  out.set("bridge", *bridge);
+
+  Dict data;
+  if (const Value* d = line.find("data"); d && !d->isNull()) {
+    if (!d->isDict()) return std::string("\"data\" must be a JSON object");
+    data = *d->asDict();
+  }
+
+  std::shared_ptr<ViewController> screen;
+  const Value* screenName = line.find("screen");
+  if (screenName && !screenName->isNull()) {
+    const std::string* name = screenName->asString();
+    if (!name) return std::string("\"screen\" must be a screen name or null");
+    screen = device_.screen(*name);
+    if (!screen) return "no screen named \"" + *name + "\"";
+  } else if (!screenName && device_.defaultScreen) {
+    screen = device_.screen(*device_.defaultScreen);
+  }
+  out.set("screen", screen ? Value(screen->name()) : Value());
+
+  const std::size_t callLine = lineNumber_;
+  H5HandlerInputParams params(std::move(screen), std::move(data), [this, callLine](const Value& answer) {
+    std::lock_guard lock(inboxMutex_);
+    inbox_.emplace_back(callLine, answer);
+  });
+  device_.dispatch().main()->async([this, name = *bridge, params = std::move(params)]() mutable {
+    registry_.dispatch(name, std::move(params));
+  });
+  out.set("settled", settle());
+  return std::nullopt;
+}
+
+void HeadlessRunner::report(Dict& out) {
+  Array answers;
+  Array late;
+  {
+    std::lock_guard lock(inboxMutex_);
+    for (auto& [callLine, answer] : inbox_) {
+      if (callLine == lineNumber_) {
+        answers.push_back(std::move(answer));
+      } else {
+        late.push_back(Dict{{"call", static_cast<std::int64_t>(callLine)}, {"answer", std::move(answer)}});
+      }
+    }
+    inbox_.clear();
+  }
+  if (out.contains("bridge") && !out.contains("error")) out.set("answers", std::move(answers));
+  if (!late.empty()) out.set("lateAnswers", std::move(late));
+  out.set("delegateCalls", toArray(device_.takeDelegateCalls()));
+  Array printed;
+  for (auto& text : device_.takePrintedLines()) printed.emplace_back(std::move(text));
+  out.set("printed", std::move(printed));
+  out.set("effects", toArray(device_.effects()->take()));
+}
+
+std::optional<std::string> HeadlessRunner::processLine(std::string_view line) {
+  ++lineNumber_;
+  if (line.find_first_not_of(" \t\r\n") == std::string_view::npos) return std::nullopt;
+
+  Dict out{{"line", static_cast<std::int64_t>(lineNumber_)}};
+  auto fail = [&](std::string message) {
+    out.set("error", std::move(message));
+    report(out);
+    return json::write(out);
+  };
+
+  auto parsed = json::parse(line);
+  if (!parsed.ok()) return fail(parsed.error().message);
+  const Dict* input = parsed.value().asDict();
+  if (!input) return fail("each line must be a JSON object");
+
+  for (auto& [key, command] : commands_) {
+    if (!input->contains(key)) continue;
+    if (auto error = command(*this, *input, out)) return fail(*error);
+    report(out);
+    return json::write(out);
+  }
+  std::string expected;
+  for (const auto& [key, command] : commands_) expected += (expected.empty() ? "\"" : ", \"") + key + "\"";
+  return fail("unknown command: a line needs one of " + expected);
+}
+
+void HeadlessRunner::run(std::istream& in, std::ostream& out) {
+  std::string line;
+  while (std::getline(in, line)) {
+    if (auto result = processLine(line)) out << *result << '\n' << std::flush;
+  }
+}
+
+}  // namespace vantu::sim

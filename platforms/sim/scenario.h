@@ -1,0 +1,39 @@
+#pragma once
+// Scenario files: JSON that describes the simulated device (docs/scenario.md).
+// A scenario is a set of sections; each section has one loader, and a
+// family of bridges that needs more device state adds a section.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vantu/value/value.h"
+
+namespace vantu::sim {
+
+class SimDevice;
+
+/// Applies `value` (the section's content); returns the reason on bad input.
+using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
+
+struct ScenarioSection {
+  std::string_view key;
+  SectionLoader load;
+};
+
+/// Every section, in the order they are applied.
+const std::vector<ScenarioSection>& scenarioSections();
+
+/// Applies the sections present in `scenario`, in section order.
+std::optional<std::string> applyScenario(SimDevice& device, const Value& scenario);
+
+// Loaders of the basic sections (scenario_basics.cpp).
+std::optional<std::string> loadAppSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadObjectsSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadEnvironmentSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadScreensSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Value& value);
+
+}  // namespace vantu::sim

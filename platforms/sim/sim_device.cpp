@@ -1,0 +1,84 @@
+#include "platforms/sim/sim_device.h"
+
+#include "platforms/sim/scenario.h"
+#include "platforms/sim/sim_host_delegate.h"
+#include "vantu/runtime/shared_state.h"
+
+namespace vantu::sim {
+
+// The reference phone: a 390 x 844 point screen with a 47-point status bar
+// and a 34-point home indicator area.
+constexpr Rect kScreenBounds{0, 0, 390, 844};
+constexpr Rect kStatusBarFrame{0, 0, 390, 47};
+constexpr EdgeInsets kWindowSafeArea{47, 0, 34, 0};
+
+SimDevice::SimDevice()
+    : dispatch_(std::make_shared<SimDispatch>()),
+      effects_(std::make_shared<EffectLog>()),
+      application_(std::make_shared<SimApplication>(effects_)),
+      console_(std::make_shared<SimConsole>()),
+      facts_(std::make_shared<SimDeviceFacts>()),
+      platform_(std::make_shared<Platform>()) {
+  platform_->dispatch = dispatch_;
+  platform_->application = application_;
+  platform_->console = console_;
+  platform_->device = facts_;
+
+  auto window = std::make_shared<SimWindow>(effects_, kScreenBounds);
+  window->setName("keyWindow");
+  window->setSafeAreaInsets(kWindowSafeArea);
+  application_->setKeyWindow(window);
+  application_->setMainScreenBounds(kScreenBounds);
+  application_->setStatusBarFrame(kStatusBarFrame);
+}
+
+SimDevice::~SimDevice() {
+  // Screens may hold completions that refer back to this device.
+  screens_.clear();
+  objects_.clear();
+}
+
+std::optional<std::string> SimDevice::apply(const Value& scenario) {
+  auto error = applyScenario(*this, scenario);
+  // Building the world is not something the library did.
+  effects_->take();
+  return error;
+}
+
+void SimDevice::install() {
+  resetSharedStateForTesting();
+  installPlatform(platform_);
+}
+
+std::shared_ptr<ViewController> SimDevice::screen(std::string_view name) const {
+  auto it = screens_.find(name);
+  return it == screens_.end() ? nullptr : it->second;
+}
+
+void SimDevice::addScreen(const std::string& name, std::shared_ptr<ViewController> vc) { screens_[name] = std::move(vc); }
+
+bool SimDevice::hasScreen(std::string_view name) const { return screens_.find(name) != screens_.end(); }
+
+void SimDevice::clearScreens() {
+  screens_.clear();
+  if (auto window = application_->keyWindow()) window->setRootViewController(nullptr);
+}
+
+std::shared_ptr<Object> SimDevice::object(std::string_view name) const {
+  auto it = objects_.find(name);
+  return it == objects_.end() ? nullptr : it->second;
+}
+
+void SimDevice::addObject(const std::string& name, std::shared_ptr<Object> object) { objects_[name] = std::move(object); }
+
+std::shared_ptr<SimHostDelegate> SimDevice::makeDelegate(const std::string& name) {
+  auto delegate = std::make_shared<SimHostDelegate>(name, *this);
+  addObject(name, delegate);
+  return delegate;
+}
+
+void SimDevice::recordDelegateCall(std::string_view delegate, std::string_view operation, Dict arguments) {
+  delegateCalls_.push_back(Dict{{"delegate", delegate}, {"operation", operation}, {"arguments", std::move(arguments)}});
+}
+
+}  // namespace vantu::sim

@@ -1,0 +1,92 @@
+#pragma once
+// The simulated device: a platform bundle on one manual run loop, a UI
+// tree of named screens, scripted host delegates and device facts, all
+// built from a scenario (see docs/scenario.md). Tests and the headless
+// runner drive it; nothing in it sleeps.
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platforms/sim/sim_dispatch.h"
+#include "platforms/sim/sim_ui.h"
+#include "vantu/platform/platform.h"
+#include "vantu/value/value.h"
+
+namespace vantu::sim {
+
+class SimHostDelegate;
+
+class SimConsole : public Console {
+ public:
+  std::vector<std::string> take() { return std::exchange(lines_, {}); }
+
+ protected:
+  void write(std::string_view line) override { lines_.emplace_back(line); }
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+class SimDeviceFacts : public DeviceFacts {
+ public:
+  std::optional<Dict> info;
+
+ protected:
+  std::optional<Dict> mainBundleInfo() const override { return info; }
+};
+
+class SimDevice {
+ public:
+  SimDevice();
+  ~SimDevice();
+  SimDevice(const SimDevice&) = delete;
+  SimDevice& operator=(const SimDevice&) = delete;
+
+  /// Applies a scenario (or a fragment of one, for later changes). Returns
+  /// the reason when it is malformed; what was applied before the bad
+  /// section stays applied.
+  std::optional<std::string> apply(const Value& scenario);
+
+  /// Installs this device as the process's platform, with the library's
+  /// process-wide instances reset to their fresh state.
+  void install();
+  const std::shared_ptr<Platform>& platformBundle() const { return platform_; }
+
+  SimDispatch& dispatch() { return *dispatch_; }
+  SimApplication& application() { return *application_; }
+  SimDeviceFacts& facts() { return *facts_; }
+  const std::shared_ptr<EffectLog>& effects() const { return effects_; }
+
+  // Screens by name.
+  std::shared_ptr<ViewController> screen(std::string_view name) const;
+  void addScreen(const std::string& name, std::shared_ptr<ViewController> vc);
+  bool hasScreen(std::string_view name) const;
+  void clearScreens();
+  std::optional<std::string> defaultScreen;
+
+  // Scripted objects by name (host delegates, plain objects).
+  std::shared_ptr<Object> object(std::string_view name) const;
+  void addObject(const std::string& name, std::shared_ptr<Object> object);
+  std::shared_ptr<SimHostDelegate> makeDelegate(const std::string& name);
+
+  /// One host delegate call as the runner reports it.
+  void recordDelegateCall(std::string_view delegate, std::string_view operation, Dict arguments);
+  std::vector<Dict> takeDelegateCalls() { return std::exchange(delegateCalls_, {}); }
+  std::vector<std::string> takePrintedLines() { return console_->take(); }
+
+ private:
+  std::shared_ptr<SimDispatch> dispatch_;
+  std::shared_ptr<EffectLog> effects_;
+  std::shared_ptr<SimApplication> application_;
+  std::shared_ptr<SimConsole> console_;
+  std::shared_ptr<SimDeviceFacts> facts_;
+  std::shared_ptr<Platform> platform_;
+  std::map<std::string, std::shared_ptr<ViewController>, std::less<>> screens_;
+  std::map<std::string, std::shared_ptr<Object>, std::less<>> objects_;
+  std::vector<Dict> delegateCalls_;
+};
+
+}  // namespace vantu::sim

@@ -1,0 +1,135 @@
+#include "platforms/sim/sim_ui.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace vantu::sim {
+namespace {
+
+std::string_view changeName(View::Change change) {
+  switch (change) {
+    case View::Change::Frame: return "frame";
+    case View::Change::Hidden: return "hidden";
+    case View::Change::BackgroundColor: return "backgroundColor";
+    case View::Change::TintColor: return "tintColor";
+    case View::Change::Tag: return "tag";
+    case View::Change::Subviews: return "subviews";
+    case View::Change::ContentOffset: return "contentOffset";
+    case View::Change::ScrollSettings: return "scrollSettings";
+  }
+  return "unknown";
+}
+
+Value changedValue(const View& view, View::Change change) {
+  switch (change) {
+    case View::Change::Frame: return frameValue(view.frame());
+    case View::Change::Hidden: return view.isHidden();
+    case View::Change::BackgroundColor: return colorValue(view.backgroundColor());
+    case View::Change::TintColor: return colorValue(view.tintColor());
+    case View::Change::Tag: return view.tag();
+    case View::Change::Subviews: {
+      Array names;
+      for (const auto& sub : view.subviews()) {
+        names.emplace_back(sub->name().empty() ? fmt::format("tag:{}", sub->tag()) : sub->name());
+      }
+      return names;
+    }
+    case View::Change::ContentOffset: {
+      if (const auto* scroll = dynamic_cast<const ScrollView*>(&view)) {
+        return Array{scroll->contentOffset().x, scroll->contentOffset().y};
+      }
+      return nullptr;
+    }
+    case View::Change::ScrollSettings: {
+      Dict settings;
+      if (const auto* scroll = dynamic_cast<const ScrollView*>(&view)) {
+        if (auto v = scroll->contentInsetAdjustmentBehavior()) settings.set("contentInsetAdjustmentBehavior", *v);
+        if (auto v = scroll->keyboardDismissMode()) settings.set("keyboardDismissMode", *v);
+      }
+      return settings;
+    }
+  }
+  return nullptr;
+}
+
+std::shared_ptr<View> namedRootView(const std::shared_ptr<EffectLog>& log, const std::string& owner) {
+  // Named after its owner so that its changes show up in reports.
+  auto view = std::make_shared<SimView>(log);
+  view->setName(owner + ".view");
+  return view;
+}
+
+}  // namespace
+
+void recordViewChange(EffectLog& log, const View& view, View::Change change) {
+  log.record(Dict{{"effect", "view"},
+                  {"view", view.name()},
+                  {"change", changeName(change)},
+                  {"value", changedValue(view, change)}});
+}
+
+void recordPresentation(EffectLog& log, std::string_view effect, const ViewController& on,
+                        const ViewController& presented, bool animated) {
+  log.record(Dict{{"effect", effect}, {"on", describe(&on)}, {"presented", describe(&presented)}, {"animated", animated}});
+}
+
+Value frameValue(const Rect& r) { return Array{r.x, r.y, r.width, r.height}; }
+
+Value colorValue(const std::optional<Color>& c) {
+  if (!c) return nullptr;
+  auto byte = [](double v) { return static_cast<int>(std::lround(std::clamp(v, 0.0, 1.0) * 255)); };
+  if (c->alpha >= 1.0) return fmt::format("#{:02x}{:02x}{:02x}", byte(c->red), byte(c->green), byte(c->blue));
+  return fmt::format("#{:02x}{:02x}{:02x}{:02x}", byte(c->red), byte(c->green), byte(c->blue), byte(c->alpha));
+}
+
+std::string describe(const ViewController* vc) {
+  if (!vc) return "";
+  if (!vc->name().empty()) return vc->name();
+  return "unnamed view controller";
+}
+
+std::shared_ptr<SimWebView> SimWebView::make(std::shared_ptr<EffectLog> log, Rect frame, std::string name) {
+  auto webView = std::make_shared<SimWebView>(log, frame);
+  webView->setName(name);
+  auto scroll = std::make_shared<SimScrollView>(log, Rect{0, 0, frame.width, frame.height});
+  scroll->setName(name + ".scrollView");
+  webView->installScrollView(std::move(scroll));
+  return webView;
+}
+
+std::shared_ptr<View> SimViewController::loadView() { return namedRootView(log_, name()); }
+
+void SimViewController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "present", *this, *presented, animated);
+}
+
+void SimViewController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "dismiss", *this, *presented, animated);
+}
+
+SimNavigationController::SimNavigationController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
+  replaceNavigationBar(std::make_shared<SimNavigationBar>(log_, Rect{0, 0, 0, 44}));
+}
+
+std::shared_ptr<View> SimNavigationController::loadView() { return namedRootView(log_, name()); }
+
+void SimNavigationController::didPush(const std::shared_ptr<ViewController>& pushed, bool animated) {
+  log_->record(Dict{{"effect", "push"}, {"navigationController", describe(this)}, {"pushed", describe(pushed.get())},
+                    {"animated", animated}});
+}
+
+void SimNavigationController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "present", *this, *presented, animated);
+}
+
+SimTabBarController::SimTabBarController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
+  replaceTabBar(std::make_shared<SimView>(log_, Rect{0, 0, 0, 49}));
+}
+
+std::shared_ptr<View> SimTabBarController::loadView() { return namedRootView(log_, name()); }
+
+void SimApplication::openSettings() { log_->record(Dict{{"effect", "openSettings"}}); }
+
+}  // namespace vantu::sim

@@ -1,0 +1,110 @@
+#pragma once
+// UI objects of the simulated device. They behave like the port models and
+// record what the library did to them as effects, which the headless runner
+// reports and tests inspect.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vantu/platform/application.h"
+#include "vantu/value/value.h"
+
+namespace vantu::sim {
+
+/// What the library did to the simulated UI, in order.
+class EffectLog {
+ public:
+  void record(Dict effect) { effects_.push_back(std::move(effect)); }
+  std::vector<Dict> take() { return std::exchange(effects_, {}); }
+  const std::vector<Dict>& peek() const { return effects_; }
+
+ private:
+  std::vector<Dict> effects_;
+};
+
+Value frameValue(const Rect& r);
+/// "#rrggbb", or "#rrggbbaa" when not opaque; null for no colour.
+Value colorValue(const std::optional<Color>& c);
+/// A view controller's name for reports ("" for none).
+std::string describe(const ViewController* vc);
+void recordViewChange(EffectLog& log, const View& view, View::Change change);
+void recordPresentation(EffectLog& log, std::string_view effect, const ViewController& on,
+                        const ViewController& presented, bool animated);
+
+/// A view model that reports every change of a named view.
+template <class Base>
+class Recorded : public Base {
+ public:
+  explicit Recorded(std::shared_ptr<EffectLog> log, Rect frame = {}) : Base(frame), log_(std::move(log)) {}
+
+ protected:
+  void didChange(View::Change change) override {
+    if (!this->name().empty()) recordViewChange(*log_, *this, change);
+  }
+
+ private:
+  std::shared_ptr<EffectLog> log_;
+};
+
+using SimView = Recorded<View>;
+using SimScrollView = Recorded<ScrollView>;
+using SimWindow = Recorded<Window>;
+using SimNavigationBar = Recorded<NavigationBar>;
+
+class SimWebView : public Recorded<WebView> {
+ public:
+  /// A web view whose scroll view is named "<name>.scrollView".
+  static std::shared_ptr<SimWebView> make(std::shared_ptr<EffectLog> log, Rect frame, std::string name);
+  using Recorded<WebView>::Recorded;
+};
+
+class SimViewController : public ViewController {
+ public:
+  explicit SimViewController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {}
+
+ protected:
+  std::shared_ptr<View> loadView() override;
+  void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
+
+ private:
+  std::shared_ptr<EffectLog> log_;
+};
+
+class SimNavigationController : public NavigationController {
+ public:
+  explicit SimNavigationController(std::shared_ptr<EffectLog> log);
+
+ protected:
+  std::shared_ptr<View> loadView() override;
+  void didPush(const std::shared_ptr<ViewController>& pushed, bool animated) override;
+  void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
+
+ private:
+  std::shared_ptr<EffectLog> log_;
+};
+
+class SimTabBarController : public TabBarController {
+ public:
+  explicit SimTabBarController(std::shared_ptr<EffectLog> log);
+
+ protected:
+  std::shared_ptr<View> loadView() override;
+
+ private:
+  std::shared_ptr<EffectLog> log_;
+};
+
+class SimApplication : public Application {
+ public:
+  explicit SimApplication(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {}
+
+ protected:
+  void openSettings() override;
+
+ private:
+  std::shared_ptr<EffectLog> log_;
+};
+
+}  // namespace vantu::sim

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Builds and runs the benchmarks, printing their figures.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+scripts/build.sh default --target bridge_call_bench >/dev/null
+build/default/bench/bridge_call_bench --benchmark_min_time=0.2 "$@"

@@ -1,0 +1,197 @@
+// What a host delegate does for the operations it does not override: fail
+// at once, or forward to the environment's delegate.
+
+#include "vantu/core/vantu_h5_delegate.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/core/sim_fixture.h"
+#include "vantu/core/h5_data_providers.h"
+#include "vantu/core/laizaxlu.h"
+
+namespace vantu {
+namespace {
+
+/// An environment delegate that implements every operation: it records the
+/// arguments and answers (true, no error, "from <operation>").
+class FullDelegate : public VantuH5Delegate {
+ public:
+  std::vector<std::string> calls;  // "<operation> <arguments as JSON>"
+
+  void popToHome(std::string pageKey, std::shared_ptr<ViewController> vc, DelegateHandler h) override {
+    answer("popToHome", Dict{{"pageKey", pageKey}, {"viewController", vc ? vc->name() : ""}}, h);
+  }
+  void navigate(std::string to, std::optional<Dict> data, bool clearBackStack, bool finishThis,
+                DelegateHandler h) override {
+    answer("navigate",
+           Dict{{"to", to}, {"data", data ? Value(*data) : Value()}, {"clear", clearBackStack}, {"finish", finishThis}}, h);
+  }
+  void openDeeplink(std::string deeplink, DelegateHandler h) override { answer("openDeeplink", Dict{{"link", deeplink}}, h); }
+  void login(Dict data, DelegateHandler h) override { answer("login", data, h); }
+  void logout(Dict data, DelegateHandler h) override { answer("logout", data, h); }
+  void handleSessionExpiry(Dict data, DelegateHandler h) override { answer("handleSessionExpiry", data, h); }
+  void fetchAuthToken(Dict data, DelegateHandler h) override { answer("fetchAuthToken", data, h); }
+  void fetchParamsAgainstKey(std::string key, DelegateHandler h) override {
+    answer("fetchParamsAgainstKey", Dict{{"key", key}}, h);
+  }
+  void fetchValuesForKeys(std::vector<std::string> keys, DelegateHandler h) override {
+    answer("fetchValuesForKeys", Dict{{"count", static_cast<std::int64_t>(keys.size())}}, h);
+  }
+  void trackCustomEventFor(Dict variables, DelegateHandler h) override { answer("trackCustomEventFor", variables, h); }
+  void getCustomerId(DelegateHandler h) override { answer("getCustomerId", Dict{}, h); }
+  void trackWithOstrix(std::optional<UrlRequest> request, std::optional<HttpUrlResponse> response,
+                       std::optional<PlatformError> error, double responseTime, std::optional<Bytes> data,
+                       std::optional<TaskMetrics> metrics, std::optional<std::string> customMessage,
+                       std::optional<Dict> additionalParams, DelegateHandler h) override {
+    answer("trackWithOstrix",
+           Dict{{"url", request ? Value(request->url) : Value()},
+                {"status", response ? Value(response->statusCode) : Value()},
+                {"errorCode", error ? Value(error->code) : Value()},
+                {"responseTime", responseTime},
+                {"bytes", data ? Value(static_cast<std::int64_t>(data->data.size())) : Value()},
+                {"metrics", metrics.has_value()},
+                {"message", customMessage ? Value(*customMessage) : Value()},
+                {"params", additionalParams ? Value(*additionalParams) : Value()}},
+           h);
+  }
+  void getAppInfo(DelegateHandler h) override { answer("getAppInfo", Dict{}, h); }
+
+ private:
+  void answer(const std::string& operation, const Dict& arguments, const DelegateHandler& h) {
+    calls.push_back(operation + " " + json::write(arguments));
+    h(true, std::nullopt, Value("from " + operation));
+  }
+};
+
+struct Operation {
+  std::string name;
+  std::string selector;
+  bool forwards;
+  std::string arguments;  // as FullDelegate records them
+  std::function<void(VantuH5Delegate&, DelegateHandler)> call;
+};
+
+std::vector<Operation> operations(const std::shared_ptr<ViewController>& caller) {
+  return {
+      {"popToHome", "popToHome(pageKey:viewController:handler:)", true, R"({"pageKey":"home","viewController":"caller"})",
+       [caller](VantuH5Delegate& d, DelegateHandler h) { d.popToHome("home", caller, h); }},
+      {"navigate", "navigate(to:data:clearBackStack:finishThis:handler:)", true,
+       R"({"to":"orders","data":{"id":9},"clear":true,"finish":false})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.navigate("orders", Dict{{"id", 9}}, true, false, h); }},
+      {"openDeeplink", "openDeeplink(deeplink:handler:)", true, R"({"link":"app://x"})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.openDeeplink("app://x", h); }},
+      {"login", "login(data:handler:)", true, R"({"user":"u"})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.login(Dict{{"user", "u"}}, h); }},
+      {"logout", "logout(data:handler:)", true, R"({"why":"bye"})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.logout(Dict{{"why", "bye"}}, h); }},
+      {"handleSessionExpiry", "handleSessionExpiry(data:handler:)", true, R"({"s":1})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.handleSessionExpiry(Dict{{"s", 1}}, h); }},
+      {"fetchAuthToken", "fetchAuthToken(data:handler:)", true, R"({"h5_uaid_caller":"mini-1"})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.fetchAuthToken(Dict{{"h5_uaid_caller", "mini-1"}}, h); }},
+      {"fetchParamsAgainstKey", "fetchParamsAgainstKey(key:handler:)", false, "",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.fetchParamsAgainstKey("k", h); }},
+      {"fetchValuesForKeys", "fetchValuesForKeys(keys:handler:)", false, "",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.fetchValuesForKeys({"a", "b"}, h); }},
+      {"trackCustomEventFor", "trackCustomEventFor(variables:handler:)", true, R"({"event":"e"})",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.trackCustomEventFor(Dict{{"event", "e"}}, h); }},
+      {"getCustomerId", "getCustomerId(handler:)", true, "{}",
+       [](VantuH5Delegate& d, DelegateHandler h) { d.getCustomerId(h); }},
+      {"trackWithOstrix",
+       "trackWithOstrix(_:response:error:responseTime:reponseData:metrics:customMessage:additionalParams:handler:)", true,
+       R"({"url":"https://h/x","status":201,"errorCode":5,"responseTime":1.5,"bytes":3,"metrics":true,"message":"note","params":{"p":1}})",
+       [](VantuH5Delegate& d, DelegateHandler h) {
+         d.trackWithOstrix(UrlRequest{"https://h/x"}, HttpUrlResponse{"https://h/x", 201}, PlatformError{"Net", 5, "down"},
+                           1.5, Bytes{{1, 2, 3}}, TaskMetrics{}, "note", Dict{{"p", 1}}, h);
+       }},
+      {"getAppInfo", "getAppInfo(handler:)", true, "{}", [](VantuH5Delegate& d, DelegateHandler h) { d.getAppInfo(h); }},
+  };
+}
+
+struct Answer {
+  int count = 0;
+  bool success = false;
+  std::optional<PlatformError> error;
+  std::optional<Value> value;
+  std::thread::id thread;
+};
+
+/// Calls the operation and returns what reached the handler before the call returned.
+Answer callNow(const Operation& op, VantuH5Delegate& delegate) {
+  Answer answer;
+  op.call(delegate, [&answer](bool success, std::optional<PlatformError> error, std::optional<Value> value) {
+    ++answer.count;
+    answer.success = success;
+    answer.error = std::move(error);
+    answer.value = std::move(value);
+    answer.thread = std::this_thread::get_id();
+  });
+  return answer;
+}
+
+void expectDefaultFailure(const Answer& answer, const Operation& op) {
+  SCOPED_TRACE(op.name);
+  ASSERT_EQ(answer.count, 1);
+  EXPECT_EQ(answer.thread, std::this_thread::get_id());
+  EXPECT_FALSE(answer.success);
+  EXPECT_FALSE(answer.value.has_value());
+  ASSERT_TRUE(answer.error.has_value());
+  EXPECT_EQ(answer.error->domain, "VantuH5DelegateErrorDomain");
+  EXPECT_EQ(answer.error->code, -1);
+  EXPECT_EQ(answer.error->localizedDescription, "Implementation in VantuH5Delegate invoked.");
+  EXPECT_EQ(answer.error->localizedFailureReason, "Running default implementation of the method: " + op.selector);
+}
+
+class DelegateDefaultsTest : public testing_support::SimFixture {
+ protected:
+  void SetUp() override {
+    SimFixture::SetUp();
+    caller->setName("caller");
+  }
+  std::shared_ptr<ViewController> caller = std::make_shared<ViewController>();
+};
+
+TEST_F(DelegateDefaultsTest, WithoutAnEnvironmentDelegateEveryOperationFailsAtOnce) {
+  auto bare = std::make_shared<VantuH5Delegate>();
+  for (const auto& op : operations(caller)) expectDefaultFailure(callNow(op, *bare), op);
+
+  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, nullptr));
+  for (const auto& op : operations(caller)) expectDefaultFailure(callNow(op, *bare), op);
+}
+
+TEST_F(DelegateDefaultsTest, OperationsForwardToTheEnvironmentDelegateExceptTheValueLookups) {
+  auto full = std::make_shared<FullDelegate>();
+  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, full));
+  auto bare = std::make_shared<VantuH5Delegate>();
+  for (const auto& op : operations(caller)) {
+    SCOPED_TRACE(op.name);
+    full->calls.clear();
+    auto answer = callNow(op, *bare);
+    if (!op.forwards) {
+      expectDefaultFailure(answer, op);
+      EXPECT_TRUE(full->calls.empty());
+      continue;
+    }
+    EXPECT_EQ(full->calls, std::vector<std::string>{op.name + " " + op.arguments});
+    ASSERT_EQ(answer.count, 1);
+    EXPECT_TRUE(answer.success);
+    EXPECT_FALSE(answer.error.has_value());
+    EXPECT_EQ(answer.value, Value("from " + op.name));
+  }
+}
+
+TEST_F(DelegateDefaultsTest, AnEnvironmentDelegateThatKeepsTheDefaultsFails) {
+  auto environment = std::make_shared<VantuH5Delegate>();
+  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, environment));
+  auto screenLevel = std::make_shared<VantuH5Delegate>();
+  for (const auto& op : operations(caller)) {
+    expectDefaultFailure(callNow(op, *environment), op);
+    expectDefaultFailure(callNow(op, *screenLevel), op);
+  }
+}
+
+}  // namespace
+}  // namespace vantu

@@ -1,0 +1,125 @@
+// The bridge registry, the device-manufacturer bridge, result payloads and
+// version facts.
+
+#include "vantu/runtime/bridge_registry.h"
+
+#include <memory>
+#include <vector>
+
+#include "tests/core/sim_fixture.h"
+#include "vantu/core/app_type.h"
+#include "vantu/core/h5_op_error.h"
+#include "vantu/core/version_util.h"
+
+namespace vantu {
+namespace {
+
+using RegistryTest = testing_support::SimFixture;
+
+H5HandlerInputParams collecting(std::shared_ptr<ViewController> screen, std::vector<std::string>& answers) {
+  return H5HandlerInputParams(std::move(screen), Dict{},
+                              [&answers](const Value& answer) { answers.push_back(json::write(answer)); });
+}
+
+TEST_F(RegistryTest, UnknownBridgeIsAnsweredOnceWithAFlatError) {
+  BridgeRegistry registry;
+  registerAllBridges(registry);
+  std::vector<std::string> answers;
+  registry.dispatch("noSuchBridge", collecting(nullptr, answers));
+  EXPECT_EQ(answers, std::vector<std::string>{R"({"error":2,"message":"Unknown bridge: noSuchBridge"})"});
+  EXPECT_FALSE(registry.contains("noSuchBridge"));
+  EXPECT_EQ(registry.handlerFor("noSuchBridge"), nullptr);
+}
+
+TEST_F(RegistryTest, HandlerIsMadeOnceAndAnewAfterRelease) {
+  BridgeRegistry registry;
+  int made = 0;
+  registry.add("counted", [&made] {
+    ++made;
+    return std::make_shared<H5BaseHandler>();
+  });
+  EXPECT_EQ(made, 0);
+  auto first = registry.handlerFor("counted");
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(registry.handlerFor("counted"), first);
+  EXPECT_EQ(made, 1);
+  registry.releaseHandlers();
+  auto second = registry.handlerFor("counted");
+  EXPECT_NE(second, first);
+  EXPECT_EQ(registry.handlerFor("counted"), second);
+  EXPECT_EQ(made, 2);
+}
+
+TEST_F(RegistryTest, DeviceManufacturerAnswersAppleAtOnceAndReportsItself) {
+  apply(R"({"delegates": {"host": {}, "envHost": {}}, "environment": {"delegate": "envHost"},
+            "screens": [{"name": "shell", "delegate": "host", "uniqueAppIdentifier": "mini-7",
+                         "children": [{"name": "page"}]}, {"name": "bare"}]})");
+  BridgeRegistry registry;
+  registerAllBridges(registry);
+  ASSERT_TRUE(registry.contains("vantuDeviceManufacturer"));
+
+  std::vector<std::string> answers;
+  registry.dispatch("vantuDeviceManufacturer", collecting(device.screen("page"), answers));
+  EXPECT_EQ(answers, std::vector<std::string>{R"({"data":"Apple"})"});
+  auto calls = device.takeDelegateCalls();
+  ASSERT_EQ(calls.size(), 1u);
+  EXPECT_EQ(calls[0].getString("delegate"), "host");
+  EXPECT_EQ(calls[0].getString("operation"), "trackCustomEventFor");
+  auto variables = calls[0].getDict("arguments")->getDict("variables");
+  ASSERT_TRUE(variables.has_value());
+  EXPECT_EQ(variables->getString("event_label"), "vantuDeviceManufacturer");
+  EXPECT_EQ(variables->getString("event_category"), "mini-7");
+  EXPECT_FALSE(device.dispatch().hasReadyTasks());
+
+  // A screen without a delegate of its own reports to nobody, not to the environment's.
+  answers.clear();
+  registry.dispatch("vantuDeviceManufacturer", collecting(device.screen("bare"), answers));
+  EXPECT_EQ(answers, std::vector<std::string>{R"({"data":"Apple"})"});
+  EXPECT_TRUE(device.takeDelegateCalls().empty());
+}
+
+TEST(H5OpErrorTest, DescriptionAndPayloadShapes) {
+  EXPECT_EQ((H5OpError{7, "File could not be deleted."}.localizedDescription()),
+            "H5OpError-> code: 7 message: File could not be deleted.");
+  EXPECT_EQ(json::write(H5OpErrorUtil::errorResponse(6, "File not found.")),
+            R"({"error":{"code":6,"message":"File not found."},"success":false})");
+  EXPECT_EQ(json::write(H5OpErrorUtil::successResponse(Dict{{"b", 1}, {"a", "x"}})), R"({"data":{"b":1,"a":"x"}})");
+  EXPECT_EQ(json::write(payload::flatError(3, "Bad input")), R"({"error":3,"message":"Bad input"})");
+  EXPECT_EQ(json::write(payload::success(Array{1, "two"})), R"({"data":[1,"two"]})");
+  EXPECT_EQ(json::write(payload::successFlag()), R"({"data":{"success":true}})");
+}
+
+using VersionTest = testing_support::SimFixture;
+
+TEST_F(VersionTest, AppVersionIsTheBundleShortVersionStringOrEmpty) {
+  EXPECT_EQ(VersionUtil::getAppVersion(), "");
+  struct Case {
+    const char* info;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {R"({"CFBundleShortVersionString": "2.3.1", "CFBundleVersion": "99"})", "2.3.1"},
+      {"null", ""},
+      {R"({"CFBundleVersion": "99"})", ""},
+      {R"({"CFBundleShortVersionString": 2.3})", ""},
+      {R"({"CFBundleShortVersionString": 2})", ""},
+      {R"({"CFBundleShortVersionString": ""})", ""},
+  };
+  for (const auto& c : cases) {
+    apply(std::string(R"({"app": {"info": )") + c.info + "}}");
+    EXPECT_EQ(VersionUtil::getAppVersion(), c.expected) << c.info;
+  }
+  EXPECT_EQ(VersionUtil::getSDKVersion(), "5.6.0");
+}
+
+TEST(AppTypeTest, OnlyExactRawValuesParse) {
+  EXPECT_EQ(appTypeFromRawValue("generic"), AppType::generic);
+  EXPECT_EQ(appTypeFromRawValue("miniapp"), AppType::miniapp);
+  for (const char* raw : {"MiniApp", "Generic", "GENERIC", "", " miniapp", "miniapp ", "mini_app"}) {
+    EXPECT_EQ(appTypeFromRawValue(raw), std::nullopt) << "'" << raw << "'";
+  }
+  for (auto type : {AppType::generic, AppType::miniapp}) EXPECT_EQ(appTypeFromRawValue(rawValue(type)), type);
+}
+
+}  // namespace
+}  // namespace vantu

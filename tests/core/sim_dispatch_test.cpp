@@ -1,0 +1,208 @@
+// The simulated device's run loop: ordering, virtual time, groups and
+// waiting for work that other threads hand back.
+
+#include "platforms/sim/sim_dispatch.h"
+
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/core/sim_fixture.h"
+
+namespace vantu {
+namespace {
+
+using namespace std::chrono_literals;
+
+class SimDispatchTest : public testing_support::SimFixture {
+ protected:
+  sim::SimDispatch& loop() { return device.dispatch(); }
+  std::shared_ptr<SerialQueue> main() { return device.dispatch().main(); }
+  /// A task that appends `name` to the log.
+  Task note(std::string name) {
+    return [this, name] { log.push_back(name); };
+  }
+  /// A task that appends `name@<now in ms>` to the log.
+  Task noteTime(std::string name) {
+    return [this, name] {
+      auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(loop().now()).count();
+      log.push_back(name + "@" + std::to_string(ms));
+    };
+  }
+  std::vector<std::string> log;
+};
+
+using Log = std::vector<std::string>;
+
+TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRuns) {
+  auto serial = loop().makeSerialQueue("serial");
+  main()->async(note("main1"));
+  serial->async(note("serial1"));
+  main()->async([this, serial] {
+    log.push_back("main2");
+    serial->async(note("posted by main2"));
+  });
+  serial->async(note("serial2"));
+  EXPECT_TRUE(log.empty());
+  EXPECT_TRUE(loop().hasReadyTasks());
+  EXPECT_EQ(loop().runReady(), 5u);
+  EXPECT_EQ(log, (Log{"main1", "serial1", "main2", "serial2", "posted by main2"}));
+  EXPECT_FALSE(loop().hasReadyTasks());
+  EXPECT_EQ(loop().runReady(), 0u);
+}
+
+TEST_F(SimDispatchTest, TimersRunWhenTheClockReachesThemInDueOrder) {
+  auto serial = loop().makeSerialQueue("serial");
+  main()->asyncAfter(3s, noteTime("t3"));
+  main()->asyncAfter(1s, noteTime("t1a"));
+  main()->async(noteTime("now"));
+  serial->asyncAfter(2s, noteTime("t2"));
+  serial->asyncAfter(1s, noteTime("t1b"));
+  main()->asyncAfter(-5s, noteTime("negative"));
+  loop().runReady();
+  EXPECT_EQ(log, (Log{"now@0", "negative@0"}));
+  log.clear();
+
+  loop().advance(500ms);
+  EXPECT_TRUE(log.empty());
+  EXPECT_EQ(loop().now(), 500ms);
+  EXPECT_EQ(loop().nextTimer(), Duration(1s));
+
+  loop().advance(600ms);
+  EXPECT_EQ(log, (Log{"t1a@1000", "t1b@1000"}));
+  EXPECT_EQ(loop().now(), 1100ms);
+  log.clear();
+
+  loop().advance(5s);
+  EXPECT_EQ(log, (Log{"t2@2000", "t3@3000"}));
+  EXPECT_EQ(loop().now(), 6100ms);
+  EXPECT_EQ(loop().nextTimer(), std::nullopt);
+}
+
+TEST_F(SimDispatchTest, TimerPostedByATimerIsDueRelativeToItsOwnTime) {
+  main()->asyncAfter(1s, [this] {
+    noteTime("first")();
+    main()->asyncAfter(1s, [this] {
+      noteTime("second")();
+      main()->asyncAfter(2s, noteTime("third"));
+      main()->async(noteTime("follow-up"));
+    });
+  });
+  loop().advance(3s);
+  EXPECT_EQ(log, (Log{"first@1000", "second@2000", "follow-up@2000"}));
+  EXPECT_EQ(loop().now(), 3s);
+  EXPECT_EQ(loop().nextTimer(), Duration(4s));
+  loop().advance(1s);
+  EXPECT_EQ(log.back(), "third@4000");
+}
+
+TEST_F(SimDispatchTest, AdvancingByDecimalSecondsReachesMillisecondTimers) {
+  int mismatches = 0;
+  std::string first;
+  for (int ms = 0; ms <= 10000; ++ms) {
+    auto converted = secondsToDuration(ms / 1000.0);
+    if (converted == std::chrono::milliseconds(ms)) continue;
+    if (mismatches++ == 0) first = std::to_string(ms) + " ms became " + std::to_string(converted.count()) + " ns";
+  }
+  EXPECT_EQ(mismatches, 0) << "first: " << first;
+
+  main()->asyncAfter(1001ms, note("timer"));
+  loop().advance(secondsToDuration(1.001));
+  EXPECT_EQ(log, (Log{"timer"}));
+}
+
+TEST_F(SimDispatchTest, GroupNotifiesAfterTheLastLeaveOrAtOnceWhenEmpty) {
+  DispatchGroup group;
+  group.enter();
+  group.enter();
+  group.notify(main(), note("done"));
+  loop().runReady();
+  EXPECT_TRUE(log.empty());
+  group.leave();
+  loop().runReady();
+  EXPECT_TRUE(log.empty());
+  group.leave();
+  EXPECT_TRUE(log.empty());  // posted, not run inline
+  loop().runReady();
+  EXPECT_EQ(log, (Log{"done"}));
+
+  DispatchGroup empty;
+  empty.notify(main(), note("empty done"));
+  loop().runReady();
+  EXPECT_EQ(log, (Log{"done", "empty done"}));
+  loop().runReady();
+  EXPECT_EQ(log.size(), 2u);
+}
+
+TEST_F(SimDispatchTest, SettleWaitsForWorkReleasedByAnotherThread) {
+  auto work = loop().beginOutstandingWork();
+  EXPECT_EQ(loop().outstandingWork(), 1u);
+  std::promise<void> start;
+  auto started = start.get_future();
+  std::thread::id ranOn;
+  // The worker starts only once the loop runs, so settle is already waiting.
+  main()->async([&start] { start.set_value(); });
+  std::thread worker([&, work = std::move(work)]() mutable {
+    started.wait();
+    main()->async([&] {
+      ranOn = std::this_thread::get_id();
+      log.push_back("completion");
+    });
+    work.reset();
+  });
+  EXPECT_TRUE(loop().settle(10s));
+  worker.join();
+  EXPECT_EQ(log, (Log{"completion"}));
+  EXPECT_EQ(ranOn, std::this_thread::get_id());
+  EXPECT_EQ(loop().outstandingWork(), 0u);
+}
+
+TEST_F(SimDispatchTest, SettleRunsDueTasksButTimesOutOnUnreleasedWork) {
+  main()->asyncAfter(1s, note("timer"));
+  main()->async(note("due"));
+  EXPECT_TRUE(loop().settle(10s));  // a pending timer is not outstanding work
+  EXPECT_EQ(log, (Log{"due"}));
+
+  auto work = loop().beginOutstandingWork();
+  main()->async(note("due again"));
+  EXPECT_FALSE(loop().settle(50ms));
+  EXPECT_EQ(log, (Log{"due", "due again"}));
+  work.reset();
+  EXPECT_TRUE(loop().settle(10s));
+  EXPECT_EQ(log.size(), 2u);
+}
+
+TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndWaitsFromOthers) {
+  auto serial = loop().makeSerialQueue("serial");
+  serial->sync(note("inline"));
+  EXPECT_EQ(log, (Log{"inline"}));
+  EXPECT_FALSE(loop().hasReadyTasks());
+
+  main()->async([&] {
+    log.push_back("outer");
+    serial->sync(note("nested"));
+    log.push_back("after nested");
+  });
+  main()->async(note("next"));
+  loop().runReady();
+  EXPECT_EQ(log, (Log{"inline", "outer", "nested", "after nested", "next"}));
+
+  // From another thread, sync blocks until the loop has run the task.
+  log.clear();
+  auto work = loop().beginOutstandingWork();
+  std::thread::id ranOn;
+  std::thread worker([&, work = std::move(work)]() mutable {
+    serial->sync([&] { ranOn = std::this_thread::get_id(); });
+    main()->async(note("after sync"));
+    work.reset();
+  });
+  EXPECT_TRUE(loop().settle(10s));
+  worker.join();
+  EXPECT_EQ(ranOn, std::this_thread::get_id());
+  EXPECT_EQ(log, (Log{"after sync"}));
+}
+
+}  // namespace
+}  // namespace vantu

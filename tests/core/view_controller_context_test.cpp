@@ -1,0 +1,213 @@
+// Values attached to screens, their lookup through the containment chain,
+// and finding a screen's web view.
+
+#include "vantu/core/view_controller_context.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "tests/core/sim_fixture.h"
+#include "vantu/core/h5_web_view_extractor.h"
+
+namespace vantu {
+namespace {
+
+using ContextTest = testing_support::SimFixture;
+
+/// A containment chain: at(0) is the screen under test, at(1) its parent,
+/// at(2) its grandparent, at(3) its great-grandparent; below() is its child.
+struct Chain {
+  std::vector<std::shared_ptr<ViewController>> levels;
+  std::shared_ptr<ViewController> child = std::make_shared<ViewController>();
+
+  Chain() {
+    for (int i = 0; i < 4; ++i) levels.push_back(std::make_shared<ViewController>());
+    for (int i = 3; i > 0; --i) levels[i]->addChild(levels[i - 1]);
+    levels[0]->addChild(child);
+  }
+  ViewController& at(int distance) { return *levels[distance]; }
+  ViewController& self() { return at(0); }
+  ViewController& below() { return *child; }
+};
+
+struct AncestorLookup {
+  const char* name;
+  std::function<void(ViewController&)> setPresent;
+  std::function<bool(const ViewController&)> finds;
+};
+
+std::vector<AncestorLookup> ancestorLookups(const std::shared_ptr<Object>& marker) {
+  return {
+      {"delegate", [marker](ViewController& vc) { setVH5ViewControllerDelegate(vc, marker); },
+       [marker](const ViewController& vc) { return getVH5ViewControllerDelegateRecursively(vc) == marker; }},
+      {"uniqueAppIdentifier", [](ViewController& vc) { setUniqueAppIdentifier(vc, "app-1"); },
+       [](const ViewController& vc) { return getUniqueAppIdentifierRecursively(vc) == "app-1"; }},
+      {"isH5", [](ViewController& vc) { setIsH5(vc, true); }, [](const ViewController& vc) { return isH5ViewController(vc); }},
+      {"isHc", [](ViewController& vc) { setIsHc(vc, true); }, [](const ViewController& vc) { return isHcViewController(vc); }},
+  };
+}
+
+TEST_F(ContextTest, LookupsReachSelfParentAndGrandparentOnly) {
+  auto marker = std::make_shared<Object>();
+  for (const auto& lookup : ancestorLookups(marker)) {
+    for (int distance = 0; distance <= 3; ++distance) {
+      Chain chain;
+      lookup.setPresent(chain.at(distance));
+      EXPECT_EQ(lookup.finds(chain.self()), distance <= 2) << lookup.name << " set " << distance << " levels up";
+    }
+    Chain chain;
+    lookup.setPresent(chain.below());
+    EXPECT_FALSE(lookup.finds(chain.self())) << lookup.name << " set on a child";
+  }
+}
+
+TEST_F(ContextTest, NearestPresentValueWinsAndPresentFalseStopsTheSearch) {
+  Chain chain;
+  setUniqueAppIdentifier(chain.at(2), "far");
+  EXPECT_EQ(getUniqueAppIdentifierRecursively(chain.self()), "far");
+  setUniqueAppIdentifier(chain.at(1), "near");
+  EXPECT_EQ(getUniqueAppIdentifierRecursively(chain.self()), "near");
+  EXPECT_EQ(getUniqueAppIdentifier(chain.self()), std::nullopt);
+
+  auto nearDelegate = std::make_shared<Object>();
+  auto farDelegate = std::make_shared<Object>();
+  setVH5ViewControllerDelegate(chain.at(2), farDelegate);
+  setVH5ViewControllerDelegate(chain.self(), nearDelegate);
+  EXPECT_EQ(getVH5ViewControllerDelegateRecursively(chain.self()), nearDelegate);
+  EXPECT_EQ(getVH5ViewControllerDelegateRecursively(chain.at(1)), farDelegate);
+
+  setIsH5(chain.at(1), true);
+  EXPECT_TRUE(isH5ViewController(chain.self()));
+  EXPECT_FALSE(getIsH5Val(chain.self()));  // its own value only
+  setIsH5(chain.self(), false);
+  EXPECT_FALSE(isH5ViewController(chain.self()));
+  EXPECT_FALSE(getIsH5Val(chain.self()));
+  EXPECT_EQ(extractH5ViewController(chain.self()), chain.levels[1]);
+  // The child has no value of its own: the nearest one is its parent's false.
+  EXPECT_FALSE(isH5ViewController(chain.below()));
+
+  setIsHc(chain.at(2), true);
+  setIsHc(chain.at(1), false);
+  EXPECT_FALSE(isHcViewController(chain.self()));
+  EXPECT_TRUE(isHcViewController(chain.at(2)));
+}
+
+TEST_F(ContextTest, ExtractH5ViewControllerNeedsAPresentTrueFlagWithinTwoLevels) {
+  for (int distance = 0; distance <= 3; ++distance) {
+    Chain chain;
+    setIsH5(chain.at(distance), true);
+    auto expected = distance <= 2 ? chain.levels[distance] : nullptr;
+    EXPECT_EQ(extractH5ViewController(chain.self()), expected) << "isH5 set " << distance << " levels up";
+  }
+  Chain unflagged;
+  EXPECT_EQ(extractH5ViewController(unflagged.self()), nullptr);
+  Chain allFalse;
+  for (int distance = 0; distance <= 2; ++distance) setIsH5(allFalse.at(distance), false);
+  EXPECT_EQ(extractH5ViewController(allFalse.self()), nullptr);
+}
+
+TEST_F(ContextTest, NilIsIgnoredForDelegateIdAndIsH5) {
+  auto vc = std::make_shared<ViewController>();
+  auto delegate = std::make_shared<Object>();
+  setVH5ViewControllerDelegate(*vc, delegate);
+  setVH5ViewControllerDelegate(*vc, nullptr);
+  EXPECT_EQ(getVH5ViewControllerDelegate(*vc), delegate);
+
+  setUniqueAppIdentifier(*vc, "kept");
+  setUniqueAppIdentifier(*vc, std::nullopt);
+  EXPECT_EQ(getUniqueAppIdentifier(*vc), "kept");
+
+  setIsH5(*vc, false);
+  setIsH5(*vc, std::nullopt);
+  EXPECT_EQ(getIsH5(*vc), false);
+}
+
+TEST_F(ContextTest, NothingClearsIsHcAndSafeAreaFlags) {
+  struct Flag {
+    const char* name;
+    std::function<void(ViewController&, std::optional<bool>)> set;
+    std::function<std::optional<bool>(const ViewController&)> get;
+  };
+  const Flag flags[] = {
+      {"isHc", setIsHc, getIsHc},
+      {"topSafeAreaTreatmentRequired", setTopSafeAreaTreatmentRequired, getTopSafeAreaTreatmentRequired},
+      {"bottomSafeAreaTreatmentRequired", setBottomSafeAreaTreatmentRequired, getBottomSafeAreaTreatmentRequired},
+  };
+  for (const auto& flag : flags) {
+    auto vc = std::make_shared<ViewController>();
+    EXPECT_EQ(flag.get(*vc), std::nullopt) << flag.name;
+    flag.set(*vc, false);
+    EXPECT_EQ(flag.get(*vc), false) << flag.name;
+    flag.set(*vc, std::nullopt);
+    EXPECT_EQ(flag.get(*vc), std::nullopt) << flag.name;
+  }
+}
+
+TEST_F(ContextTest, AppTypeIsMiniappOnlyForTheExactRawText) {
+  auto vc = std::make_shared<ViewController>();
+  EXPECT_EQ(getAppType(*vc), AppType::generic);
+  setAppType(*vc, AppType::miniapp);
+  EXPECT_EQ(getAppType(*vc), AppType::miniapp);
+  setAppTypeText(*vc, "MiniApp");
+  EXPECT_EQ(getAppType(*vc), AppType::generic);
+  setAppTypeText(*vc, "miniapp");
+  EXPECT_EQ(getAppType(*vc), AppType::miniapp);
+  setAppType(*vc, AppType::generic);
+  EXPECT_EQ(getAppType(*vc), AppType::generic);
+}
+
+TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  auto vc = std::make_shared<ViewController>();
+  EXPECT_DEATH(getContextObject(*vc), "contextObject");
+  EXPECT_DEATH(getOffsetFixer(*vc), "offsetFixer");
+
+  auto context = std::make_shared<Object>();
+  auto fixer = std::make_shared<Object>();
+  setContextObject(*vc, context);
+  setOffsetFixer(*vc, fixer);
+  EXPECT_EQ(getContextObject(*vc), context);
+  EXPECT_EQ(getOffsetFixer(*vc), fixer);
+}
+
+// --- Web view extraction.
+
+using WebViewExtractorTest = testing_support::SimFixture;
+
+std::string nameOf(const std::shared_ptr<WebView>& webView) { return webView ? webView->name() : "(none)"; }
+
+TEST_F(WebViewExtractorTest, DirectSubviewsOnlyFirstInOrder) {
+  apply(R"({"screens": [
+    {"name": "both", "view": {"subviews": [
+      {"kind": "view", "name": "box", "subviews": [{"kind": "webView", "name": "nested"}]},
+      {"kind": "webView", "name": "first"},
+      {"kind": "webView", "name": "second"}]}},
+    {"name": "nestedOnly", "view": {"subviews": [
+      {"kind": "view", "name": "box2", "subviews": [{"kind": "webView", "name": "deep"}]}]}},
+    {"name": "empty"}]})");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("both"))), "first");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("nestedOnly"))), "(none)");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("empty"))), "(none)");
+}
+
+TEST_F(WebViewExtractorTest, RecursiveSearchIsDepthFirstThroughChildScreens) {
+  apply(R"({"screens": [
+    {"name": "root", "view": {"subviews": [
+        {"kind": "view", "name": "box", "subviews": [{"kind": "webView", "name": "rootNested"}]}]},
+     "children": [
+      {"name": "a", "children": [
+        {"name": "a1", "view": {"subviews": [{"kind": "webView", "name": "a1Web"}]}}]},
+      {"name": "b", "view": {"subviews": [{"kind": "webView", "name": "bWeb"}]}}]},
+    {"name": "own", "view": {"subviews": [{"kind": "webView", "name": "ownWeb"}]},
+     "children": [{"name": "ownChild", "view": {"subviews": [{"kind": "webView", "name": "childWeb"}]}}]}]})");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("root"))), "a1Web");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("a"))), "a1Web");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("own"))), "ownWeb");
+  device.screen("a1")->removeFromParent();
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("root"))), "bWeb");
+  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("a"))), "(none)");
+}
+
+}  // namespace
+}  // namespace vantu

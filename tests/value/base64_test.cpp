@@ -1,0 +1,61 @@
+#include "vantu/value/base64.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace vantu::base64 {
+namespace {
+
+std::vector<std::uint8_t> bytesOf(std::string_view s) { return {s.begin(), s.end()}; }
+
+// RFC 4648, section 10.
+TEST(Base64Test, StandardVectors) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", ""},           {"f", "Zg=="},         {"fo", "Zm8="},        {"foo", "Zm9v"},
+      {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"},
+  };
+  for (const auto& [plain, encoded] : cases) {
+    EXPECT_EQ(encode(bytesOf(plain)), encoded);
+    EXPECT_EQ(encodedLength(std::string_view(plain).size()), std::string_view(encoded).size());
+    EXPECT_EQ(decode(encoded), bytesOf(plain)) << encoded;
+    EXPECT_EQ(decodeIgnoringUnknown(encoded), bytesOf(plain)) << encoded;
+  }
+  EXPECT_EQ(encode(std::vector<std::uint8_t>{0xFB, 0xFF}), "+/8=");
+  std::string out = "data:";
+  encodeAppend(out, bytesOf("foob"));
+  EXPECT_EQ(out, "data:Zm9vYg==");
+}
+
+TEST(Base64Test, RandomBytesRoundTrip) {
+  std::mt19937 rng(7);
+  for (std::size_t len = 0; len < 70; ++len) {
+    std::vector<std::uint8_t> bytes(len);
+    for (auto& b : bytes) b = static_cast<std::uint8_t>(rng());
+    const std::string text = encode(bytes);
+    EXPECT_EQ(decode(text), bytes) << text;
+  }
+  std::vector<std::uint8_t> all(256);
+  for (int i = 0; i < 256; ++i) all[i] = static_cast<std::uint8_t>(i);
+  EXPECT_EQ(decode(encode(all)), all);
+}
+
+TEST(Base64Test, StrictDecodeRejects) {
+  for (const char* text : {"Zg=", "Zg", "Z", "Z===", "====", "=Zm9", "Zg=a", "Zm9v\n", "Zm 9v", "Zm9v====",
+                           "Zg==Zg==", "Zm-v", "Zm_v", "Zm9\x80", "Zm9v Zg=="}) {
+    EXPECT_EQ(decode(text), std::nullopt) << text;
+  }
+  // Unused bits of the last character are ignored.
+  EXPECT_EQ(decode("Zh=="), bytesOf("f"));
+}
+
+TEST(Base64Test, LenientDecode) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"Zm9v\r\nYmFy", "foobar"}, {" Zm9v YmE= ", "fooba"}, {"Zm9vYg", "foob"}, {"Zm9vY", "foo"},
+      {"Zg==Zm9v", "f"},          {"*Z-g_*", "f"},          {"", ""},           {"=Zm9v", ""},
+  };
+  for (const auto& [text, plain] : cases) EXPECT_EQ(decodeIgnoringUnknown(text), bytesOf(plain)) << text;
+}
+
+}  // namespace
+}  // namespace vantu::base64

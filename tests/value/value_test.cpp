@@ -1,0 +1,207 @@
+#include "vantu/value/value.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace vantu {
+namespace {
+
+TEST(KeyTest, KindsAreDistinctKeysWithDistinctHashes) {
+  const std::vector<Key> keys = {Key("1"), Key(1), Key(true), Key("true"), Key(0), Key(false), Key(""), Key("0")};
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    for (std::size_t j = 0; j < keys.size(); ++j) {
+      EXPECT_EQ(keys[i] == keys[j], i == j) << i << " vs " << j;
+      if (i != j) {
+        EXPECT_NE(keys[i].hash(), keys[j].hash()) << i << " vs " << j;
+      }
+    }
+  }
+  EXPECT_EQ(Key(std::int64_t{7}).hash(), Key(7).hash());
+  EXPECT_EQ(Key(std::string("ab")).hash(), Key(std::string_view("ab")).hash());
+}
+
+TEST(KeyTest, TextAndConversions) {
+  EXPECT_EQ(Key(std::int64_t{-9223372036854775807 - 1}).text(), "-9223372036854775808");
+  EXPECT_EQ(Key(false).text(), "false");
+  EXPECT_EQ(Key(true).integer(), std::nullopt);
+  EXPECT_EQ(Key(1).boolean(), std::nullopt);
+  EXPECT_EQ(Key(true).toValue(), Value(true));
+  EXPECT_EQ(Value(5).toKey(), Key(5));
+  EXPECT_EQ(Value(1.5).toKey(), std::nullopt);
+}
+
+std::vector<Key> keysOf(const Dict& d) {
+  std::vector<Key> out;
+  for (const auto& e : d) out.push_back(e.first);
+  return out;
+}
+
+TEST(DictTest, OrderReplaceAndErase) {
+  Dict d{{"b", 1}, {"a", 2}, {3, "three"}, {"b", 9}};  // duplicate in the list replaces
+  EXPECT_EQ(keysOf(d), (std::vector<Key>{"b", "a", 3}));
+  EXPECT_EQ(d.getInt("b"), 9);
+  d.set("a", "new");
+  EXPECT_EQ(keysOf(d), (std::vector<Key>{"b", "a", 3}));
+  EXPECT_EQ(d.getString("a"), "new");
+  EXPECT_TRUE(d.erase("b"));
+  EXPECT_FALSE(d.erase("b"));
+  EXPECT_EQ(keysOf(d), (std::vector<Key>{"a", 3}));
+  d.set("b", 1);
+  EXPECT_EQ(keysOf(d), (std::vector<Key>{"a", 3, "b"}));
+  EXPECT_FALSE(d.hasOnlyStringKeys());
+  d.erase(3);
+  EXPECT_TRUE(d.hasOnlyStringKeys());
+  d.clear();
+  EXPECT_TRUE(d.empty());
+  EXPECT_EQ(d.find("a"), nullptr);
+}
+
+// Random inserts, replacements and erasures across the small/indexed
+// boundary, checked after every step against a plain list.
+TEST(DictTest, MatchesListModelAcrossIndexThreshold) {
+  std::mt19937 rng(1234);
+  std::vector<Key> universe;
+  for (int i = 0; i < 24; ++i) {
+    universe.emplace_back(std::to_string(i));
+    universe.emplace_back(i);
+  }
+  universe.emplace_back(true);
+  universe.emplace_back(false);
+
+  Dict dict;
+  std::vector<std::pair<Key, int>> model;
+  auto modelFind = [&](const Key& k) {
+    return std::find_if(model.begin(), model.end(), [&](const auto& e) { return e.first == k; });
+  };
+  int crossings = 0;  // times the size went from above the linear limit to below it
+  bool wasLarge = false;
+  for (int step = 0; step < 4000; ++step) {
+    const Key& k = universe[rng() % universe.size()];
+    // Grow toward ~30 entries, then shrink, then grow again.
+    const bool growing = (step / 500) % 2 == 0;
+    if (rng() % 10 < (growing ? 7u : 1u)) {
+      dict.set(k, step);
+      if (auto it = modelFind(k); it != model.end()) {
+        it->second = step;
+      } else {
+        model.emplace_back(k, step);
+      }
+    } else {
+      const bool present = modelFind(k) != model.end();
+      ASSERT_EQ(dict.erase(k), present);
+      if (present) model.erase(modelFind(k));
+    }
+    ASSERT_EQ(dict.size(), model.size());
+    if (wasLarge && model.size() < 8) ++crossings;
+    wasLarge = model.size() > 8 ? true : model.size() < 8 ? false : wasLarge;
+    for (std::size_t i = 0; i < model.size(); ++i) {
+      ASSERT_EQ(dict.entries()[i].first, model[i].first);
+      ASSERT_EQ(dict.entries()[i].second, Value(model[i].second));
+    }
+    for (const Key& probe : universe) {
+      const auto it = modelFind(probe);
+      const Value* v = dict.find(probe);
+      ASSERT_EQ(v != nullptr, it != model.end()) << "step " << step << " key " << probe.text();
+      if (v) {
+        ASSERT_EQ(*v, Value(it->second));
+      }
+    }
+  }
+  EXPECT_GE(crossings, 3);
+}
+
+TEST(DictTest, CopiesAndMovesAreIndependent) {
+  for (int n : {3, 8, 9, 40}) {
+    Dict original;
+    for (int i = 0; i < n; ++i) original.set(i, i * 10);
+    Dict copy = original;
+    copy.set(0, "changed");
+    copy.set("extra", 1);
+    copy.erase(n - 1);
+    EXPECT_EQ(original.getInt(0), 0);
+    EXPECT_FALSE(original.contains("extra"));
+    EXPECT_EQ(original.getInt(n - 1), (n - 1) * 10);
+    for (int i = 1; i < n - 1; ++i) EXPECT_EQ(copy.getInt(i), i * 10) << n;
+    EXPECT_TRUE(copy.contains("extra"));
+
+    Dict assigned{{"old", 1}};
+    assigned = original;
+    EXPECT_EQ(assigned, original);
+    EXPECT_FALSE(assigned.contains("old"));
+    const Dict& self = assigned;
+    assigned = self;
+    EXPECT_EQ(assigned.getInt(n - 1), (n - 1) * 10);
+
+    Dict moved = std::move(assigned);
+    EXPECT_EQ(moved, original);
+    EXPECT_EQ(moved.getInt(n / 2), n / 2 * 10);
+    assigned = Dict{{"again", 2}};  // a moved-from dict stays usable
+    EXPECT_EQ(assigned.getInt("again"), 2);
+  }
+}
+
+TEST(DictTest, StrictGetters) {
+  const Dict d{{"null", nullptr},    {"bool", true},       {"int", 7},
+               {"double", 2.5},      {"string", "1"},      {"bytes", Bytes{{1, 2}}},
+               {"array", Array{"a"}}, {"dict", Dict{{"x", 1}}}, {"mixed", Array{"a", 1}},
+               {"empty", Array{}}};
+  struct Row {
+    const char* key;
+    bool string, integer, number, boolean, dict, array, stringArray;
+  };
+  const Row rows[] = {
+      {"null", false, false, false, false, false, false, false},
+      {"bool", false, false, false, true, false, false, false},
+      {"int", false, true, true, false, false, false, false},
+      {"double", false, false, true, false, false, false, false},
+      {"string", true, false, false, false, false, false, false},
+      {"bytes", false, false, false, false, false, false, false},
+      {"array", false, false, false, false, false, true, true},
+      {"dict", false, false, false, false, true, false, false},
+      {"mixed", false, false, false, false, false, true, false},
+      {"empty", false, false, false, false, false, true, true},
+      {"absent", false, false, false, false, false, false, false},
+  };
+  for (const Row& r : rows) {
+    SCOPED_TRACE(r.key);
+    EXPECT_EQ(d.getString(r.key).has_value(), r.string);
+    EXPECT_EQ(d.getInt(r.key).has_value(), r.integer);
+    EXPECT_EQ(d.getNumber(r.key).has_value(), r.number);
+    EXPECT_EQ(d.getBool(r.key).has_value(), r.boolean);
+    EXPECT_EQ(d.getDict(r.key).has_value(), r.dict);
+    EXPECT_EQ(d.getArray(r.key).has_value(), r.array);
+    EXPECT_EQ(d.getStringArray(r.key).has_value(), r.stringArray);
+  }
+  EXPECT_EQ(d.getNumber("int"), 7.0);
+  EXPECT_EQ(d.getNumber("double"), 2.5);
+  EXPECT_EQ(d.getString("string"), "1");
+  EXPECT_EQ(d.getStringArray("array"), (std::vector<std::string>{"a"}));
+  EXPECT_EQ(d.getDict("dict")->getInt("x"), 1);
+  EXPECT_FALSE(Value(true).asInt().has_value());
+  EXPECT_FALSE(Value(1).asBool().has_value());
+}
+
+TEST(ValueTest, EqualityIsKindAndContent) {
+  EXPECT_NE(Value(1), Value(1.0));
+  EXPECT_NE(Value(true), Value(1));
+  EXPECT_NE(Value("1"), Value(1));
+  EXPECT_NE(Value(), Value(false));
+  EXPECT_NE(Value(Bytes{{'a'}}), Value("a"));
+  EXPECT_EQ(Value(Array{1, "x", Dict{{"k", nullptr}}}), Value(Array{1, "x", Dict{{"k", nullptr}}}));
+  EXPECT_NE(Value(Array{1, 2}), Value(Array{2, 1}));
+  EXPECT_NE(Value(Dict{{"a", 1}, {"b", 2}}), Value(Dict{{"b", 2}, {"a", 1}}));
+  EXPECT_NE(Value(Dict{{"a", 1}}), Value(Dict{{"a", 1.0}}));
+  EXPECT_EQ(Value(std::int64_t{5}).asNumber(), 5.0);
+}
+
+TEST(ValueTest, KindNames) {
+  const Value values[] = {Value(), Value(false), Value(1), Value(1.5), Value("s"), Value(Bytes{}), Value(Array{}), Value(Dict{})};
+  std::string names;
+  for (const Value& v : values) names += std::string(Value::kindName(v.kind())) + " ";
+  EXPECT_EQ(names, "null bool int double string bytes array dict ");
+}
+
+}  // namespace
+}  // namespace vantu

@@ -1,0 +1,12 @@
+#include "vantu/bridges/host/device_manufacturer_handler.h"
+
+#include "vantu/core/h5_op_error.h"
+
+namespace vantu {
+
+void DeviceManufacturerHandler::handleWith(H5HandlerInputParams params) {
+  trackData(kBridgeName, params);
+  params.callback(payload::success("Apple"));
+}
+
+}  // namespace vantu

@@ -1,0 +1,24 @@
+#include "vantu/core/h5_op_error.h"
+
+#include <fmt/format.h>
+
+namespace vantu {
+
+std::string H5OpError::localizedDescription() const { return fmt::format("H5OpError-> code: {} message: {}", code, message); }
+
+Dict H5OpErrorUtil::errorResponse(std::int64_t code, std::string_view message) {
+  return Dict{{"error", Dict{{"code", code}, {"message", message}}}, {"success", false}};
+}
+
+Dict H5OpErrorUtil::successResponse(Dict data) { return Dict{{"data", std::move(data)}}; }
+
+namespace payload {
+
+Dict flatError(std::int64_t code, std::string_view message) { return Dict{{"error", code}, {"message", message}}; }
+
+Dict success(Value value) { return Dict{{"data", std::move(value)}}; }
+
+Dict successFlag() { return Dict{{"data", Dict{{"success", true}}}}; }
+
+}  // namespace payload
+}  // namespace vantu

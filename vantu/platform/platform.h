@@ -1,0 +1,28 @@
+#pragma once
+// The bundle of ports a platform provides. The library reads the installed
+// bundle; tests and programs install one at start-up.
+
+#include <memory>
+
+#include "vantu/platform/application.h"
+#include "vantu/platform/console.h"
+#include "vantu/platform/device_facts.h"
+#include "vantu/platform/dispatch.h"
+
+namespace vantu {
+
+struct Platform {
+  std::shared_ptr<Dispatch> dispatch;
+  std::shared_ptr<Application> application;
+  std::shared_ptr<Console> console;
+  std::shared_ptr<DeviceFacts> device;
+};
+
+/// Installs `platform` for the whole process (replacing any earlier one).
+void installPlatform(std::shared_ptr<Platform> platform);
+/// The installed platform. Using the library before installing one is a
+/// programming error and stops the process.
+Platform& platform();
+bool hasPlatform();
+
+}  // namespace vantu

@@ -1,0 +1,8 @@
+#include "vantu/bridges/host/host_bridges.h"
+#include "vantu/runtime/bridge_registry.h"
+
+namespace vantu {
+
+void registerAllBridges(BridgeRegistry& registry) { registry.addAll(HostBridges{}); }
+
+}  // namespace vantu

@@ -1,0 +1,55 @@
+#pragma once
+// JSON text <-> Value. Parsing never throws: malformed input (bad syntax,
+// invalid UTF-8, nesting deeper than the limit) gives a JsonError.
+
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "vantu/value/value.h"
+
+namespace vantu::json {
+
+struct JsonError {
+  std::string message;  // e.g. "invalid JSON: unclosed string (at byte 12)"
+};
+
+/// Either the parsed value or an error; `ok()` tells which.
+class ParseResult {
+ public:
+  ParseResult(Value v) : r_(std::move(v)) {}      // NOLINT(google-explicit-constructor)
+  ParseResult(JsonError e) : r_(std::move(e)) {}  // NOLINT(google-explicit-constructor)
+  bool ok() const { return r_.index() == 0; }
+  const Value& value() const { return std::get<0>(r_); }
+  Value& value() { return std::get<0>(r_); }
+  const JsonError& error() const { return std::get<1>(r_); }
+
+ private:
+  std::variant<Value, JsonError> r_;
+};
+
+/// Maximum nesting depth accepted by `parse`.
+inline constexpr std::size_t kMaxDepth = 512;
+
+/// Parses one JSON text. Integral numbers that fit int64 become Int; every
+/// other number (fractions, exponents, integers beyond int64) becomes Double.
+/// Duplicate object keys: the last value wins, at the first key's position.
+ParseResult parse(std::string_view text);
+
+struct WriteOptions {
+  /// Two-space indentation with " : " between key and value (the layout of
+  /// the reference platform's pretty-printed JSON).
+  bool pretty = false;
+};
+
+/// Writes valid JSON for any value: doubles in shortest round-trip form
+/// (NaN and infinities as null), bytes as Base64 text, non-string dict keys
+/// as their text, invalid UTF-8 in strings replaced by U+FFFD. U+2028 and
+/// U+2029 are escaped so the text is also a valid JavaScript literal.
+std::string write(const Value& value, const WriteOptions& options = {});
+void writeTo(std::string& out, const Value& value, const WriteOptions& options = {});
+
+/// Appends `s` as a quoted, escaped JSON string.
+void writeString(std::string& out, std::string_view s);
+
+}  // namespace vantu::json
