@@ -50,7 +50,8 @@ void BM_RegistryCallWithAnalytics(benchmark::State& state) {
     world.registry.dispatch("vantuDeviceManufacturer",
                             H5HandlerInputParams(world.screen, Dict{}, [&answers](const Value&) { ++answers; }));
   }
-  if (answers != state.iterations() || world.delegate->events != 6 * state.iterations()) {
+  const auto iterations = static_cast<std::size_t>(state.iterations());
+  if (answers != iterations || world.delegate->events != 6 * iterations) {
     state.SkipWithError("a call was not answered or not reported");
   }
   state.SetItemsProcessed(state.iterations());

@@ -9,6 +9,7 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"app", loadAppSection},
       {"delegates", loadObjectsSection},
       {"environment", loadEnvironmentSection},
+      {"device", loadDeviceSection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

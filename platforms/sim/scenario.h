@@ -36,4 +36,7 @@ std::optional<std::string> loadEnvironmentSection(SimDevice& device, const Value
 std::optional<std::string> loadScreensSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Value& value);
 
+// Device facts and the network (scenario_device.cpp).
+std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& value);
+
 }  // namespace vantu::sim

@@ -18,11 +18,17 @@ SimDevice::SimDevice()
       application_(std::make_shared<SimApplication>(effects_)),
       console_(std::make_shared<SimConsole>()),
       facts_(std::make_shared<SimDeviceFacts>()),
+      reachability_(std::make_shared<SimReachability>()),
+      notifications_(std::make_shared<SimNotificationCenter>()),
+      images_(std::make_shared<SimImageStore>()),
       platform_(std::make_shared<Platform>()) {
   platform_->dispatch = dispatch_;
   platform_->application = application_;
   platform_->console = console_;
   platform_->device = facts_;
+  platform_->reachability = reachability_;
+  platform_->notificationCenter = notifications_;
+  platform_->images = images_;
 
   auto window = std::make_shared<SimWindow>(effects_, kScreenBounds);
   window->setName("keyWindow");

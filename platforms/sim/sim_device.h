@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "platforms/sim/sim_dispatch.h"
+#include "platforms/sim/sim_notification_center.h"
+#include "platforms/sim/sim_reachability.h"
+#include "platforms/sim/sim_images.h"
 #include "platforms/sim/sim_ui.h"
 #include "vantu/platform/platform.h"
 #include "vantu/value/value.h"
@@ -33,9 +36,19 @@ class SimConsole : public Console {
 class SimDeviceFacts : public DeviceFacts {
  public:
   std::optional<Dict> info;
+  std::string model = "iPhone14,5";
+  std::string osVersionText = "17.5";
+  std::optional<std::string> language = "en";
+  std::optional<std::string> radioTechnology = "CTRadioAccessTechnologyLTE";
+  bool onDevice = true;
 
  protected:
   std::optional<Dict> mainBundleInfo() const override { return info; }
+  std::string hardwareMachine() const override { return model; }
+  std::string osVersion() const override { return osVersionText; }
+  std::optional<std::string> localeLanguageCode() const override { return language; }
+  std::optional<std::string> currentRadioAccessTechnology() const override { return radioTechnology; }
+  bool runningOnDevice() const override { return onDevice; }
 };
 
 class SimDevice {
@@ -58,6 +71,9 @@ class SimDevice {
   SimDispatch& dispatch() { return *dispatch_; }
   SimApplication& application() { return *application_; }
   SimDeviceFacts& facts() { return *facts_; }
+  SimReachability& reachability() { return *reachability_; }
+  SimNotificationCenter& notifications() { return *notifications_; }
+  SimImageStore& images() { return *images_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
 
   // Screens by name.
@@ -83,6 +99,9 @@ class SimDevice {
   std::shared_ptr<SimApplication> application_;
   std::shared_ptr<SimConsole> console_;
   std::shared_ptr<SimDeviceFacts> facts_;
+  std::shared_ptr<SimReachability> reachability_;
+  std::shared_ptr<SimNotificationCenter> notifications_;
+  std::shared_ptr<SimImageStore> images_;
   std::shared_ptr<Platform> platform_;
   std::map<std::string, std::shared_ptr<ViewController>, std::less<>> screens_;
   std::map<std::string, std::shared_ptr<Object>, std::less<>> objects_;

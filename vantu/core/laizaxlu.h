@@ -1,10 +1,16 @@
 #pragma once
-// The process-wide environment: the host's providers, set up at start-up on
-// the main thread and read there.
+// The process-wide environment: the host's providers and the two
+// whitelists, set up at start-up on the main thread and read there.
 
 #include <memory>
+#include <string>
+#include <vector>
 
+#include "vantu/core/app_type.h"
 #include "vantu/core/h5_data_providers.h"
+#include "vantu/core/h5_white_list_app_data.h"
+#include "vantu/core/h5_white_list_domain_data.h"
+#include "vantu/core/url.h"
 #include "vantu/platform/object.h"
 
 namespace vantu {
@@ -18,6 +24,30 @@ class Laizaxlu : public Object {
   void setupWith(std::shared_ptr<H5DataProviders> h5DataProviders);
   const std::shared_ptr<H5DataProviders>& h5DataProviders() const { return h5DataProviders_; }
 
+  // --- Whitelists. The host's container code calls the checks before it
+  // asks for a container; nothing inside the library does.
+
+  /// Installs a new app table (a new object: no reverse index carries over).
+  void setupWhiteListAppData(H5WhiteListAppData::Table data);
+  /// Installs a new domain list; an empty list rejects every URL.
+  void setupWhiteListWebDomains(std::vector<std::string> data);
+  /// `miniapp`: true. `generic`: whether an app table is installed. The id
+  /// is not examined.
+  bool isWhitelisted(const std::string& uAid, AppType appType) const;
+  /// Whether an app table is installed; the id is not examined.
+  bool isWhitelisted(const std::string& uniqueAppId) const;
+  bool isAppWhitelistedWith(const std::string& uniqueAppId) const;
+  /// Consumes a pending one-time bypass (answering true), else true without
+  /// a domain list, else the list's answer.
+  bool isURLWhitelisted(const Url& url);
+  /// The next isURLWhitelisted call answers true whatever the URL. Enabling
+  /// twice before a check still admits one check.
+  void enableOneTimeBypassForWebDomainsWhitelisting();
+
+  const std::shared_ptr<H5WhiteListAppData>& whiteListAppData() const { return whiteListAppData_; }
+  const std::shared_ptr<H5WhiteListDomainData>& whiteListWebDomains() const { return whiteListWebDomains_; }
+  bool shouldBypassWebDomainsWhitelisting() const { return shouldBypassWebDomainsWhitelisting_; }
+
   /// Testing only: back to the state of a fresh process.
   void resetForTesting();
 
@@ -25,6 +55,9 @@ class Laizaxlu : public Object {
   Laizaxlu() = default;
 
   std::shared_ptr<H5DataProviders> h5DataProviders_;
+  std::shared_ptr<H5WhiteListAppData> whiteListAppData_;
+  std::shared_ptr<H5WhiteListDomainData> whiteListWebDomains_;
+  bool shouldBypassWebDomainsWhitelisting_ = false;
 };
 
 }  // namespace vantu

@@ -8,6 +8,9 @@
 #include "vantu/platform/console.h"
 #include "vantu/platform/device_facts.h"
 #include "vantu/platform/dispatch.h"
+#include "vantu/platform/images.h"
+#include "vantu/platform/notification_center.h"
+#include "vantu/platform/reachability.h"
 
 namespace vantu {
 
@@ -16,6 +19,9 @@ struct Platform {
   std::shared_ptr<Application> application;
   std::shared_ptr<Console> console;
   std::shared_ptr<DeviceFacts> device;
+  std::shared_ptr<ImageStore> images;
+  std::shared_ptr<NotificationCenter> notificationCenter;
+  std::shared_ptr<Reachability> reachability;
 };
 
 /// Installs `platform` for the whole process (replacing any earlier one).

@@ -21,9 +21,20 @@ class BridgeRegistry {
 
   /// Registers (or replaces) the factory for `name`.
   void add(std::string name, Factory factory);
+  /// Registers `Handler` under its `kRegisteredName` when it has one (a
+  /// page calls it by a name other than the one it reports to analytics),
+  /// else under its `kBridgeName`.
   template <class Handler>
   void add() {
-    add(std::string(Handler::kBridgeName), [] { return std::make_shared<Handler>(); });
+    add(std::string(registeredName<Handler>()), [] { return std::make_shared<Handler>(); });
+  }
+  template <class Handler>
+  static constexpr std::string_view registeredName() {
+    if constexpr (requires { Handler::kRegisteredName; }) {
+      return Handler::kRegisteredName;
+    } else {
+      return Handler::kBridgeName;
+    }
   }
   template <class... Handlers>
   void addAll(BridgeList<Handlers...>) {

@@ -1,0 +1,322 @@
+// The device and app info bridges on the simulated device: every answer over
+// a range of devices and networks, the device-data key order, the app-info
+// shapes, and the scenario's "device" section.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/core/sim_fixture.h"
+#include "vantu/bridges/host/device_info_data_store.h"
+#include "vantu/runtime/bridge_registry.h"
+#include "vantu/value/json.h"
+
+namespace vantu {
+namespace {
+
+class DeviceInfoBridgesTest : public testing_support::SimFixture {
+ protected:
+  void SetUp() override {
+    SimFixture::SetUp();
+    registerAllBridges(registry);
+  }
+
+  /// Calls `bridge` from `screen` ("" for none) and returns every answer as
+  /// JSON text, after letting the main queue run.
+  std::vector<std::string> call(std::string_view bridge, std::string_view screen = "", Dict data = {}) {
+    std::vector<std::string> answers;
+    auto vc = screen.empty() ? nullptr : device.screen(screen);
+    if (!screen.empty()) {
+      EXPECT_NE(vc, nullptr) << screen;
+    }
+    registry.dispatch(bridge, H5HandlerInputParams(vc, std::move(data), [&answers](const Value& answer) {
+                        answers.push_back(json::write(answer));
+                      }));
+    device.dispatch().runReady();
+    return answers;
+  }
+  std::string callOnce(std::string_view bridge, std::string_view screen = "") {
+    auto answers = call(bridge, screen);
+    EXPECT_EQ(answers.size(), 1u) << bridge;
+    return answers.empty() ? "" : answers.front();
+  }
+
+  BridgeRegistry registry;
+};
+
+using Lines = std::vector<std::string>;
+
+struct NetworkCase {
+  const char* name;
+  const char* network;  // the "network" object of the device section
+  const char* expected;
+};
+
+const NetworkCase kNetworkCases[] = {
+    {"default Wi-Fi", "{}", "Wifi"},
+    {"Wi-Fi whatever the radio says", R"({"flags": ["reachable"], "radioAccessTechnology": "CTRadioAccessTechnologyNR"})",
+     "Wifi"},
+    {"Wi-Fi, no radio", R"({"flags": 2, "radioAccessTechnology": null})", "Wifi"},
+    {"Wi-Fi needing a connection made on demand",
+     R"({"flags": ["reachable", "connectionRequired", "connectionOnDemand"]})", "Wifi"},
+    {"GPRS", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyGPRS"})", "2G"},
+    {"Edge", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyEdge"})", "2G"},
+    {"CDMA1x", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyCDMA1x"})", "2G"},
+    {"WCDMA", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyWCDMA"})", "3G"},
+    {"HSDPA", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyHSDPA"})", "3G"},
+    {"HSUPA", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyHSUPA"})", "3G"},
+    {"EVDO Rev0", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyCDMAEVDORev0"})",
+     "3G"},
+    {"EVDO RevA", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyCDMAEVDORevA"})",
+     "3G"},
+    {"EVDO RevB", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyCDMAEVDORevB"})",
+     "3G"},
+    {"eHRPD", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyeHRPD"})", "3G"},
+    {"LTE", R"({"flags": 262146, "radioAccessTechnology": "CTRadioAccessTechnologyLTE"})", "4G"},
+    {"5G", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyNR"})",
+     R"(Unknown Technology: "CTRadioAccessTechnologyNR")"},
+    {"5G non-standalone", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyNRNSA"})",
+     R"(Unknown Technology: "CTRadioAccessTechnologyNRNSA")"},
+    {"a known name in other letter case",
+     R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologylte"})",
+     R"(Unknown Technology: "CTRadioAccessTechnologylte")"},
+    {"a known name with a trailing blank",
+     R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyLTE "})",
+     R"(Unknown Technology: "CTRadioAccessTechnologyLTE ")"},
+    {"an empty technology text", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": ""})",
+     R"(Unknown Technology: "")"},
+    {"cellular, no technology", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": null})", "Unknown"},
+    {"no connection", R"({"flags": []})", "No Connection"},
+    {"not reachable although cellular", R"({"flags": ["isWWAN"]})", "No Connection"},
+    {"a connection needing the user", R"({"flags": ["reachable", "connectionRequired", "connectionOnTraffic",
+     "interventionRequired"]})", "No Connection"},
+    {"a connection that is never made automatically", R"({"flags": ["reachable", "connectionRequired"]})",
+     "No Connection"},
+    {"reachability unavailable", R"({"reachabilityUnavailable": true})", "Unknown"},
+    {"reachability unavailable on cellular",
+     R"({"flags": ["reachable", "isWWAN"], "reachabilityUnavailable": true})", "Unknown"},
+};
+
+TEST_F(DeviceInfoBridgesTest, NetworkTypeForEachNetwork) {
+  for (const auto& c : kNetworkCases) {
+    SCOPED_TRACE(c.name);
+    // Each case starts from the default network.
+    apply(R"({"device": {"network": {"flags": ["reachable"], "radioAccessTechnology": "CTRadioAccessTechnologyLTE",
+              "reachabilityUnavailable": false}}})");
+    apply(std::string(R"({"device": {"network": )") + c.network + "}}");
+    std::string expected = json::write(Value(c.expected));
+    EXPECT_EQ(callOnce("vantuNetworkType"), R"({"data":)" + expected + "}");
+    EXPECT_EQ(DeviceInfoDataStore::createDeviceNetworkType(), c.expected);
+    auto data = callOnce("vantuDeviceData");
+    EXPECT_NE(data.find(R"("network_type":)" + expected + "}}"), std::string::npos) << data;
+    // Each reading starts and drops a monitor of its own: nothing keeps
+    // watching and nothing is posted afterwards.
+    EXPECT_EQ(device.reachability().watchingHandles(), 0u);
+    EXPECT_TRUE(device.notifications().takePosted().empty());
+  }
+}
+
+struct DeviceCase {
+  const char* name;
+  const char* device;  // the device section
+  const char* model;
+  const char* os;
+  const char* locale;
+};
+
+const DeviceCase kDeviceCases[] = {
+    {"the default phone", "{}", "iPhone14,5", "17.5", "en"},
+    {"another phone", R"({"model": "iPhone16,2", "systemVersion": "18.0.1", "locale": "pt"})", "iPhone16,2", "18.0.1",
+     "pt"},
+    {"no locale language", R"({"locale": null})", "iPhone14,5", "17.5", ""},
+    {"empty texts", R"({"model": "", "systemVersion": "", "locale": ""})", "", "", ""},
+};
+
+TEST_F(DeviceInfoBridgesTest, DeviceFactsForEachDevice) {
+  for (const auto& c : kDeviceCases) {
+    SCOPED_TRACE(c.name);
+    apply(std::string(R"({"device": )") + c.device + "}");
+    auto text = [](const char* s) { return json::write(Value(s)); };
+    EXPECT_EQ(callOnce("vantuDeviceName"), R"({"data":)" + text(c.model) + "}");
+    EXPECT_EQ(callOnce("vantuOsVersion"), R"({"data":)" + text(c.os) + "}");
+    EXPECT_EQ(callOnce("vantuDeviceLocale"), R"({"data":)" + text(c.locale) + "}");
+    EXPECT_EQ(callOnce("vantuDeviceImei"), R"({"data":""})");
+    EXPECT_EQ(callOnce("vantuDeviceManufacturer"), R"({"data":"Apple"})");
+    EXPECT_EQ(callOnce("vantuDeviceData"),
+              R"({"data":{"name":)" + text(c.model) + R"(,"manufacturer":"Apple","os_version":)" + text(c.os) +
+                  R"(,"imei":"","locale":)" + text(c.locale) + R"(,"network_type":"Wifi"}})");
+    apply(R"({"device": {"model": "iPhone14,5", "systemVersion": "17.5", "locale": "en"}})");
+  }
+}
+
+TEST_F(DeviceInfoBridgesTest, DeviceDataReadsEveryFactAfreshInItsOrder) {
+  EXPECT_EQ(callOnce("vantuDeviceData"),
+            R"({"data":{"name":"iPhone14,5","manufacturer":"Apple","os_version":"17.5","imei":"","locale":"en","network_type":"Wifi"}})");
+  apply(R"({"device": {"model": "iPad13,1", "systemVersion": "16.7", "locale": null,
+            "network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyHSDPA"}}})");
+  EXPECT_EQ(callOnce("vantuDeviceData"),
+            R"({"data":{"name":"iPad13,1","manufacturer":"Apple","os_version":"16.7","imei":"","locale":"","network_type":"3G"}})");
+}
+
+TEST_F(DeviceInfoBridgesTest, AppVersionFromTheBundle) {
+  EXPECT_EQ(callOnce("vantuGetAppVersion"), R"({"data":{"appVersion":""}})");
+  apply(R"({"app": {"info": {"CFBundleShortVersionString": "3.2.1"}}})");
+  EXPECT_EQ(callOnce("vantuGetAppVersion"), R"({"data":{"appVersion":"3.2.1"}})");
+  apply(R"({"app": {"info": {"CFBundleShortVersionString": 3}}})");
+  EXPECT_EQ(callOnce("vantuGetAppVersion"), R"({"data":{"appVersion":""}})");
+}
+
+TEST_F(DeviceInfoBridgesTest, EveryBridgeReportsItsCall) {
+  apply(R"({"delegates": {"host": {}},
+            "screens": [{"name": "page", "delegate": "host", "uniqueAppIdentifier": "shop.mini"}]})");
+  const char* bridges[] = {"vantuDeviceName", "vantuOsVersion",   "vantuDeviceLocale",  "vantuDeviceImei",
+                           "vantuNetworkType", "vantuDeviceData", "vantuGetAppVersion", "vantuGetAppInfo"};
+  for (const char* bridge : bridges) {
+    SCOPED_TRACE(bridge);
+    EXPECT_EQ(call(bridge, "page").size(), 1u);
+    auto calls = device.takeDelegateCalls();
+    ASSERT_GE(calls.size(), 1u);
+    EXPECT_EQ(json::write(calls[0]),
+              std::string(R"({"delegate":"host","operation":"trackCustomEventFor","arguments":{"variables":{)") +
+                  R"("event":"custom_event","event_action":"Bridge Analytics","event_label":")" + bridge +
+                  R"(","event_label2":"5.6.0","vertical_name":"mini_app","event_category":"shop.mini"}}})");
+  }
+}
+
+// --- App info.
+
+class AppInfoTest : public DeviceInfoBridgesTest {
+ protected:
+  void SetUp() override {
+    DeviceInfoBridgesTest::SetUp();
+    apply(R"({
+      "app": {"info": {"CFBundleShortVersionString": "3.2.1"}},
+      "delegates": {
+        "rich":      {"answers": {"getAppInfo": {"success": true, "value": {"channel": "store", "build": 812}}}},
+        "refusing":  {"answers": {"getAppInfo": {"success": false, "value": {"channel": "store"}}}},
+        "erring":    {"answers": {"getAppInfo": {"success": true, "value": {"channel": "store"},
+                                                 "error": {"domain": "Host", "code": 3, "message": "busy"}}}},
+        "textual":   {"answers": {"getAppInfo": {"success": true, "value": "store"}}},
+        "empty":     {"answers": {"getAppInfo": {"success": true}}},
+        "emptyDict": {"answers": {"getAppInfo": {"success": true, "value": {}}}},
+        "late":      {"answers": {"getAppInfo": {"success": true, "value": {"late": true}, "after": 2}}},
+        "partial":   {"otherwise": "default", "answers": {"trackCustomEventFor": {"success": true}}},
+        "plain":     {"kind": "object"}
+      },
+      "environment": {"delegate": "rich"},
+      "screens": [
+        {"name": "rich", "delegate": "rich", "children": [{"name": "richChild"}]},
+        {"name": "refusing", "delegate": "refusing"},
+        {"name": "erring", "delegate": "erring"},
+        {"name": "textual", "delegate": "textual"},
+        {"name": "empty", "delegate": "empty"},
+        {"name": "emptyDict", "delegate": "emptyDict"},
+        {"name": "late", "delegate": "late"},
+        {"name": "partial", "delegate": "partial"},
+        {"name": "plain", "delegate": "plain", "children": [{"name": "plainChild"}]},
+        {"name": "bare"}
+      ]})");
+    device.takeDelegateCalls();
+  }
+  /// The getAppInfo calls made since the last look, by delegate name.
+  Lines appInfoCalls() {
+    Lines names;
+    for (const auto& c : device.takeDelegateCalls()) {
+      if (c.getString("operation") == "getAppInfo") names.push_back(c.getString("delegate").value_or("?"));
+    }
+    return names;
+  }
+};
+
+constexpr const char* kBare = R"({"appVersion":"3.2.1","h5Version":"5.6.0"})";
+
+TEST_F(AppInfoTest, TheHostsDictionaryIsAddedAndOnlyThenWrapped) {
+  struct Case {
+    const char* screen;
+    std::string answer;
+    Lines asked;
+  };
+  const Case cases[] = {
+      {"rich", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
+       {"rich"}},
+      {"richChild", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
+       {"rich"}},
+      {"emptyDict", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{}}})", {"emptyDict"}},
+      // The partial delegate leaves getAppInfo to the default, which asks the environment's delegate.
+      {"partial", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
+       {"rich"}},
+      {"refusing", kBare, {"refusing"}},
+      {"erring", kBare, {"erring"}},
+      {"textual", kBare, {"textual"}},
+      {"empty", kBare, {"empty"}},
+      {"plain", kBare, {}},
+      {"plainChild", kBare, {}},
+      {"bare", kBare, {}},
+      {"", kBare, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.screen);
+    EXPECT_EQ(call("vantuGetAppInfo", c.screen), Lines{c.answer});
+    EXPECT_EQ(appInfoCalls(), c.asked);
+  }
+}
+
+TEST_F(AppInfoTest, ALateHostAnswerIsWaitedFor) {
+  std::vector<std::string> answers;
+  registry.dispatch("vantuGetAppInfo", H5HandlerInputParams(device.screen("late"), {}, [&](const Value& a) {
+                      answers.push_back(json::write(a));
+                    }));
+  device.dispatch().runReady();
+  EXPECT_TRUE(answers.empty());
+  EXPECT_EQ(appInfoCalls(), Lines{"late"});
+  device.dispatch().advance(secondsToDuration(1.5));
+  EXPECT_TRUE(answers.empty());
+  device.dispatch().advance(secondsToDuration(0.5));
+  EXPECT_EQ(answers, Lines{R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"late":true}}})"});
+}
+
+TEST_F(AppInfoTest, WithoutAnEnvironmentDelegateThePartialDelegateFailsToBare) {
+  apply(R"({"environment": null})");
+  EXPECT_EQ(call("vantuGetAppInfo", "partial"), Lines{kBare});
+}
+
+// --- The scenario section.
+
+TEST_F(DeviceInfoBridgesTest, TheDeviceSectionRejectsWhatItDoesNotKnow) {
+  struct Case {
+    const char* scenario;
+    const char* reason;
+  };
+  const Case cases[] = {
+      {R"({"device": []})", "device: must be an object"},
+      {R"({"device": {"colour": "red"}})", "device: unknown field \"colour\""},
+      {R"({"device": {"locale": 1}})", "device: \"locale\" must be a string or null"},
+      {R"({"device": {"network": {"flags": ["reachable", "isWiFi"]}}})", "device: unknown reachability flag \"isWiFi\""},
+      {R"({"device": {"network": {"flags": -1}}})", "device: \"network.flags\" must fit in 32 bits"},
+      {R"({"device": {"network": {"speed": 1}}})", "device: network: unknown field \"speed\""},
+  };
+  for (const auto& c : cases) {
+    auto parsed = json::parse(c.scenario);
+    ASSERT_TRUE(parsed.ok()) << c.scenario;
+    EXPECT_EQ(device.apply(parsed.value()), std::optional<std::string>(c.reason)) << c.scenario;
+  }
+  // A rejected network object changes nothing of the network.
+  auto parsed = json::parse(
+      R"({"device": {"network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": null, "speed": 1}}})");
+  ASSERT_TRUE(device.apply(parsed.value()).has_value());
+  EXPECT_EQ(device.reachability().flags(), reachability_flag::kReachable);
+  EXPECT_EQ(device.facts().radioAccessTechnology(), "CTRadioAccessTechnologyLTE");
+}
+
+TEST_F(DeviceInfoBridgesTest, FlagNamesAndNumbersGiveTheSameWord) {
+  apply(R"({"device": {"network": {"flags": ["transientConnection", "reachable", "connectionRequired",
+            "connectionOnTraffic", "interventionRequired", "connectionOnDemand", "isLocalAddress", "isDirect",
+            "isWWAN"]}}})");
+  EXPECT_EQ(device.reachability().flags(), 0x7003fu);
+  apply(R"({"device": {"network": {"flags": 65538}}})");
+  EXPECT_EQ(device.reachability().flags(), reachability_flag::kReachable | reachability_flag::kIsLocalAddress);
+}
+
+}  // namespace
+}  // namespace vantu

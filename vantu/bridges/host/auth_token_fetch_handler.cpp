@@ -1,0 +1,34 @@
+#include "vantu/bridges/host/auth_token_fetch_handler.h"
+
+#include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/laizaxlu_constants.h"
+#include "vantu/core/view_controller_context.h"
+
+namespace vantu {
+
+void AuthTokenFetchHandler::handleWith(H5HandlerInputParams params) {
+  trackData(kBridgeName, params);
+  auto delegate = host::hostDelegateFor(params);
+  if (!delegate) return;
+
+  Dict request = std::move(params.data);
+  const Key callerKey(LaizaxluConstants::uAidKeyForAuthTokenAccess);
+  if (auto caller = getUniqueAppIdentifierRecursively(*params.viewController)) {
+    request.set(callerKey, std::move(*caller));
+  } else {
+    request.erase(callerKey);
+  }
+
+  delegate->fetchAuthToken(std::move(request), [callback = std::move(params.callback)](
+                                                   bool success, std::optional<PlatformError> /*error*/,
+                                                   std::optional<Value> value) {
+    if (value) {
+      const Dict* tokens = value->asDict();
+      if (tokens && tokens->hasOnlyStringKeys() && callback) callback(*tokens);
+    }
+    if (!success) return host::answerFailure(callback, "failed to fetch access token!");
+    if (callback) callback(host::successWithData(value ? std::move(*value) : Value()));
+  });
+}
+
+}  // namespace vantu
