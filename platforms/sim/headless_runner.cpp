@@ -3,6 +3,7 @@
 #include <istream>
 #include <ostream>
 
+#include "platforms/sim/runner_commands.h"
 #include "vantu/value/json.h"
 
 namespace vantu::sim {
@@ -39,6 +40,7 @@ HeadlessRunner::HeadlessRunner(SimDevice& device, RunnerOptions options) : devic
   addCommand("bridge", [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.call(line, out); });
   addCommand("advance", advanceCommand);
   addCommand("scenario", scenarioCommand);
+  for (auto& [key, command] : familyRunnerCommands()) addCommand(std::move(key), std::move(command));
 }
 
 void HeadlessRunner::addCommand(std::string key, Command command) { commands_.emplace_back(std::move(key), std::move(command)); }

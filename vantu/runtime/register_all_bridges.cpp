@@ -1,8 +1,12 @@
 #include "vantu/bridges/host/host_bridges.h"
+#include "vantu/container/container_bridges.h"
 #include "vantu/runtime/bridge_registry.h"
 
 namespace vantu {
 
-void registerAllBridges(BridgeRegistry& registry) { registry.addAll(HostBridges{}); }
+void registerAllBridges(BridgeRegistry& registry) {
+  registry.addAll(HostBridges{});
+  registry.addAll(ContainerBridges{});
+}
 
 }  // namespace vantu
