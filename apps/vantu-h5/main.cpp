@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 #include "platforms/sim/headless_runner.h"
@@ -43,7 +44,11 @@ int runCall(const std::string& scenarioPath, const std::string& dataDir, double 
     }
   }
 
-  vantu::sim::SimDevice device;
+  // Without --data-dir the device keeps its data in a fresh temporary
+  // directory that it removes when the command ends.
+  auto devicePtr = dataDir.empty() ? std::make_unique<vantu::sim::SimDevice>()
+                                   : std::make_unique<vantu::sim::SimDevice>(std::filesystem::path(dataDir));
+  auto& device = *devicePtr;
   device.install();
   if (auto error = device.apply(scenario)) {
     std::cerr << "vantu-h5: scenario " << scenarioPath << ": " << *error << "\n";

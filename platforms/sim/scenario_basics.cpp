@@ -6,6 +6,7 @@
 #include "platforms/sim/scenario.h"
 #include "platforms/sim/sim_device.h"
 #include "platforms/sim/sim_host_delegate.h"
+#include "platforms/sim/sim_view_controller_provider.h"
 #include "vantu/core/h5_data_providers.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/core/view_controller_context.h"
@@ -159,12 +160,16 @@ Error buildScreen(SimDevice& device, const Value& spec, const std::string& path,
   if (device.hasScreen(*name)) return fmt::format("{}: a screen named \"{}\" exists already", path, *name);
   static constexpr std::string_view kFields[] = {
       "name", "kind", "children", "view", "delegate", "uniqueAppIdentifier", "isH5", "isHc",
-      "topSafeAreaTreatmentRequired", "bottomSafeAreaTreatmentRequired", "appType", "navigationBar"};
+      "topSafeAreaTreatmentRequired", "bottomSafeAreaTreatmentRequired", "appType", "navigationBar",
+      "keyboardOffsetFixer"};
   for (const auto& [key, value] : *d) {
     bool known = false;
     for (auto field : kFields) known = known || key.text() == field;
     if (!known) return path + ": " + *unknownField(key);
   }
+
+  std::optional<bool> keyboardOffsetFixer;
+  if (auto e = readOptionalBool(*d, "keyboardOffsetFixer", keyboardOffsetFixer)) return path + ": " + *e;
 
   auto kind = d->getString("kind").value_or("viewController");
   std::shared_ptr<ViewController> vc;
@@ -213,7 +218,30 @@ Error buildScreen(SimDevice& device, const Value& spec, const std::string& path,
       vc->addChild(child);
     }
   }
+  // Last: the fixer is made for the web view found in the finished tree
+  // (the screen's own views first, then its children's).
+  if (keyboardOffsetFixer.value_or(false)) Laizaxlu::shared().attachKeyboardOffsetFixer(*vc);
   out = vc;
+  return std::nullopt;
+}
+
+/// {"returns": "screen"}: makes a container screen per request;
+/// {"returns": null} or null: answers every request with nothing.
+Error loadViewControllerProvider(SimDevice& device, const Value& spec,
+                                 std::shared_ptr<H5ViewControllerProvider>& out) {
+  if (spec.isNull()) return std::nullopt;
+  const Dict* d = spec.asDict();
+  if (!d) return std::string("\"viewControllerProvider\" must be an object or null");
+  bool makesScreens = false;
+  for (const auto& [key, v] : *d) {
+    if (key.text() != "returns") return "\"viewControllerProvider\": " + *unknownField(key);
+    if (v.isNull()) continue;
+    if (v.asString() == nullptr || *v.asString() != "screen") {
+      return std::string("\"viewControllerProvider.returns\" must be \"screen\" or null");
+    }
+    makesScreens = true;
+  }
+  out = std::make_shared<SimViewControllerProvider>(device, makesScreens);
   return std::nullopt;
 }
 
@@ -252,7 +280,12 @@ Error loadEnvironmentSection(SimDevice& device, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object or null");
   std::shared_ptr<VantuH5Delegate> delegate;
+  std::shared_ptr<H5ViewControllerProvider> viewControllerProvider;
   for (const auto& [key, v] : *d) {
+    if (key.text() == "viewControllerProvider") {
+      if (auto e = loadViewControllerProvider(device, v, viewControllerProvider)) return e;
+      continue;
+    }
     if (key.text() != "delegate") return unknownField(key);
     if (v.isNull()) continue;
     const std::string* name = v.asString();
@@ -262,7 +295,7 @@ Error loadEnvironmentSection(SimDevice& device, const Value& value) {
     delegate = std::dynamic_pointer_cast<VantuH5Delegate>(object);
     if (!delegate) return fmt::format("\"{}\" is not a delegate", *name);
   }
-  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, delegate));
+  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(viewControllerProvider, nullptr, delegate));
   return std::nullopt;
 }
 

@@ -1,7 +1,14 @@
 #include "platforms/sim/sim_device.h"
 
+#include <unistd.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+
 #include "platforms/sim/scenario.h"
 #include "platforms/sim/sim_host_delegate.h"
+#include "platforms/store/sqlite_preferences.h"
 #include "vantu/runtime/shared_state.h"
 
 namespace vantu::sim {
@@ -12,7 +19,23 @@ constexpr Rect kScreenBounds{0, 0, 390, 844};
 constexpr Rect kStatusBarFrame{0, 0, 390, 47};
 constexpr EdgeInsets kWindowSafeArea{47, 0, 34, 0};
 
-SimDevice::SimDevice()
+namespace {
+
+// A fresh, unguessable path under the temporary directory. It is created
+// only when the preferences store first opens, so devices that never store
+// anything leave nothing behind even when a test ends the process early.
+std::filesystem::path makeTemporaryDataDirectory() {
+  std::random_device entropy;
+  std::uint64_t token = (static_cast<std::uint64_t>(entropy()) << 32) ^ entropy();
+  return std::filesystem::temp_directory_path() /
+         ("vantu-sim-" + std::to_string(getpid()) + "-" + std::to_string(token));
+}
+
+}  // namespace
+
+SimDevice::SimDevice() : SimDevice(makeTemporaryDataDirectory()) { ownsDataDirectory_ = true; }
+
+SimDevice::SimDevice(std::filesystem::path dataDirectory)
     : dispatch_(std::make_shared<SimDispatch>()),
       effects_(std::make_shared<EffectLog>()),
       application_(std::make_shared<SimApplication>(effects_)),
@@ -29,6 +52,8 @@ SimDevice::SimDevice()
   platform_->reachability = reachability_;
   platform_->notificationCenter = notifications_;
   platform_->images = images_;
+  dataDirectory_ = std::move(dataDirectory);
+  platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 
   auto window = std::make_shared<SimWindow>(effects_, kScreenBounds);
   window->setName("keyWindow");
@@ -39,6 +64,10 @@ SimDevice::SimDevice()
 }
 
 SimDevice::~SimDevice() {
+  if (ownsDataDirectory_) {
+    std::error_code ignored;
+    std::filesystem::remove_all(dataDirectory_, ignored);
+  }
   // Screens may hold completions that refer back to this device.
   screens_.clear();
   objects_.clear();
@@ -65,9 +94,37 @@ void SimDevice::addScreen(const std::string& name, std::shared_ptr<ViewControlle
 
 bool SimDevice::hasScreen(std::string_view name) const { return screens_.find(name) != screens_.end(); }
 
+std::vector<std::shared_ptr<ViewController>> SimDevice::screens() const {
+  std::vector<std::shared_ptr<ViewController>> all;
+  all.reserve(screens_.size());
+  for (const auto& [name, vc] : screens_) all.push_back(vc);
+  return all;
+}
+
 void SimDevice::clearScreens() {
   screens_.clear();
   if (auto window = application_->keyWindow()) window->setRootViewController(nullptr);
+}
+
+namespace {
+
+std::shared_ptr<View> findNamed(const std::shared_ptr<View>& view, std::string_view name) {
+  if (!view) return nullptr;
+  if (view->name() == name) return view;
+  for (const auto& subview : view->subviews()) {
+    if (auto found = findNamed(subview, name)) return found;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<View> SimDevice::findView(std::string_view name) const {
+  if (auto found = findNamed(application_->keyWindow(), name)) return found;
+  for (const auto& [screenName, vc] : screens_) {
+    if (auto found = findNamed(vc->viewIfLoaded(), name)) return found;
+  }
+  return nullptr;
 }
 
 std::shared_ptr<Object> SimDevice::object(std::string_view name) const {

@@ -4,6 +4,7 @@
 // built from a scenario (see docs/scenario.md). Tests and the headless
 // runner drive it; nothing in it sleeps.
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -53,7 +54,11 @@ class SimDeviceFacts : public DeviceFacts {
 
 class SimDevice {
  public:
+  /// Keeps its stored values (the preferences store) in a fresh temporary
+  /// directory that is removed with the device.
   SimDevice();
+  /// Keeps its stored values in `dataDirectory`, which it leaves in place.
+  explicit SimDevice(std::filesystem::path dataDirectory);
   ~SimDevice();
   SimDevice(const SimDevice&) = delete;
   SimDevice& operator=(const SimDevice&) = delete;
@@ -74,14 +79,21 @@ class SimDevice {
   SimReachability& reachability() { return *reachability_; }
   SimNotificationCenter& notifications() { return *notifications_; }
   SimImageStore& images() { return *images_; }
+  /// Where the preferences store (platforms/store) keeps its database.
+  const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
 
   // Screens by name.
   std::shared_ptr<ViewController> screen(std::string_view name) const;
   void addScreen(const std::string& name, std::shared_ptr<ViewController> vc);
   bool hasScreen(std::string_view name) const;
+  /// Every named screen, in name order.
+  std::vector<std::shared_ptr<ViewController>> screens() const;
   void clearScreens();
   std::optional<std::string> defaultScreen;
+  /// The first view named `name` in the key window or a screen's loaded
+  /// root view (depth first); none if there is no such view.
+  std::shared_ptr<View> findView(std::string_view name) const;
 
   // Scripted objects by name (host delegates, plain objects).
   std::shared_ptr<Object> object(std::string_view name) const;
@@ -103,6 +115,8 @@ class SimDevice {
   std::shared_ptr<SimNotificationCenter> notifications_;
   std::shared_ptr<SimImageStore> images_;
   std::shared_ptr<Platform> platform_;
+  std::filesystem::path dataDirectory_;
+  bool ownsDataDirectory_ = false;
   std::map<std::string, std::shared_ptr<ViewController>, std::less<>> screens_;
   std::map<std::string, std::shared_ptr<Object>, std::less<>> objects_;
   std::vector<Dict> delegateCalls_;

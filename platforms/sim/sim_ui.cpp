@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <variant>
 
 namespace vantu::sim {
 namespace {
@@ -72,7 +73,38 @@ void recordViewChange(EffectLog& log, const View& view, View::Change change) {
 
 void recordPresentation(EffectLog& log, std::string_view effect, const ViewController& on,
                         const ViewController& presented, bool animated) {
-  log.record(Dict{{"effect", effect}, {"on", describe(&on)}, {"presented", describe(&presented)}, {"animated", animated}});
+  Dict record{{"effect", effect}, {"on", describe(&on)}, {"presented", describe(&presented)}, {"animated", animated}};
+  if (effect == "presentRefused") record.set("showing", describe(on.presentedViewController().get()));
+  // What an alert or a share sheet shows (or would have shown).
+  if (effect != "dismiss") {
+    if (const auto* alert = dynamic_cast<const AlertController*>(&presented)) {
+      record.set("alert", alertValue(*alert));
+    } else if (const auto* sheet = dynamic_cast<const ActivityViewController*>(&presented)) {
+      record.set("share", shareValue(*sheet));
+    }
+  }
+  log.record(std::move(record));
+}
+
+Dict alertValue(const AlertController& alert) {
+  Array buttons;
+  for (const auto& action : alert.actions()) buttons.emplace_back(action.title());
+  return Dict{{"title", alert.title()}, {"message", alert.message()}, {"buttons", std::move(buttons)}};
+}
+
+Dict shareValue(const ActivityViewController& sheet) {
+  // The items are at most one text and one image (ShareUtil); the first of
+  // each kind is reported.
+  Value text, image;
+  for (const auto& item : sheet.activityItems()) {
+    if (const auto* t = std::get_if<std::string>(&item); t && text.isNull()) {
+      text = *t;
+    } else if (const auto* i = std::get_if<Image>(&item); i && image.isNull()) {
+      image = Dict{{"width", static_cast<std::int64_t>(std::lround(i->size.width))},
+                   {"height", static_cast<std::int64_t>(std::lround(i->size.height))}};
+    }
+  }
+  return Dict{{"text", std::move(text)}, {"image", std::move(image)}};
 }
 
 Value frameValue(const Rect& r) { return Array{r.x, r.y, r.width, r.height}; }
@@ -87,6 +119,8 @@ Value colorValue(const std::optional<Color>& c) {
 std::string describe(const ViewController* vc) {
   if (!vc) return "";
   if (!vc->name().empty()) return vc->name();
+  if (dynamic_cast<const AlertController*>(vc)) return "alert";
+  if (dynamic_cast<const ActivityViewController*>(vc)) return "shareSheet";
   return "unnamed view controller";
 }
 
@@ -109,6 +143,10 @@ void SimViewController::didDismiss(const std::shared_ptr<ViewController>& presen
   recordPresentation(*log_, "dismiss", *this, *presented, animated);
 }
 
+void SimViewController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "presentRefused", *this, *presented, animated);
+}
+
 SimNavigationController::SimNavigationController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
   replaceNavigationBar(std::make_shared<SimNavigationBar>(log_, Rect{0, 0, 0, 44}));
 }
@@ -124,11 +162,31 @@ void SimNavigationController::didPresent(const std::shared_ptr<ViewController>& 
   recordPresentation(*log_, "present", *this, *presented, animated);
 }
 
+void SimNavigationController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "dismiss", *this, *presented, animated);
+}
+
+void SimNavigationController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "presentRefused", *this, *presented, animated);
+}
+
 SimTabBarController::SimTabBarController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
   replaceTabBar(std::make_shared<SimView>(log_, Rect{0, 0, 0, 49}));
 }
 
 std::shared_ptr<View> SimTabBarController::loadView() { return namedRootView(log_, name()); }
+
+void SimTabBarController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "present", *this, *presented, animated);
+}
+
+void SimTabBarController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "dismiss", *this, *presented, animated);
+}
+
+void SimTabBarController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
+  recordPresentation(*log_, "presentRefused", *this, *presented, animated);
+}
 
 void SimApplication::openSettings() { log_->record(Dict{{"effect", "openSettings"}}); }
 

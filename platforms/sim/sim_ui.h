@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "vantu/platform/activity_view_controller.h"
+#include "vantu/platform/alert_controller.h"
 #include "vantu/platform/application.h"
 #include "vantu/value/value.h"
 
@@ -29,8 +31,17 @@ Value colorValue(const std::optional<Color>& c);
 /// A view controller's name for reports ("" for none).
 std::string describe(const ViewController* vc);
 void recordViewChange(EffectLog& log, const View& view, View::Change change);
+/// {"effect": "present" | "dismiss" | "presentRefused", "on", "presented",
+/// "animated"}; a refused presentation adds "showing" (what `on` already
+/// presents). An unnamed alert reads "alert" and, when presented or
+/// refused, adds "alert" (alertValue); an unnamed share sheet reads
+/// "shareSheet" and adds "share" (shareValue).
 void recordPresentation(EffectLog& log, std::string_view effect, const ViewController& on,
                         const ViewController& presented, bool animated);
+/// {"title", "message", "buttons": [titles in order]}
+Dict alertValue(const AlertController& alert);
+/// {"text": text or null, "image": {"width", "height"} or null}
+Dict shareValue(const ActivityViewController& sheet);
 
 /// A view model that reports every change of a named view.
 template <class Base>
@@ -67,6 +78,7 @@ class SimViewController : public ViewController {
   std::shared_ptr<View> loadView() override;
   void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
   void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
 
  private:
   std::shared_ptr<EffectLog> log_;
@@ -80,6 +92,8 @@ class SimNavigationController : public NavigationController {
   std::shared_ptr<View> loadView() override;
   void didPush(const std::shared_ptr<ViewController>& pushed, bool animated) override;
   void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
 
  private:
   std::shared_ptr<EffectLog> log_;
@@ -91,6 +105,9 @@ class SimTabBarController : public TabBarController {
 
  protected:
   std::shared_ptr<View> loadView() override;
+  void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
+  void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
 
  private:
   std::shared_ptr<EffectLog> log_;

@@ -3,7 +3,9 @@
 // whitelists, set up at start-up on the main thread and read there.
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "vantu/core/app_type.h"
@@ -12,8 +14,11 @@
 #include "vantu/core/h5_white_list_domain_data.h"
 #include "vantu/core/url.h"
 #include "vantu/platform/object.h"
+#include "vantu/value/value.h"
 
 namespace vantu {
+
+class ViewController;
 
 class Laizaxlu : public Object {
  public:
@@ -47,6 +52,31 @@ class Laizaxlu : public Object {
   const std::shared_ptr<H5WhiteListAppData>& whiteListAppData() const { return whiteListAppData_; }
   const std::shared_ptr<H5WhiteListDomainData>& whiteListWebDomains() const { return whiteListWebDomains_; }
   bool shouldBypassWebDomainsWhitelisting() const { return shouldBypassWebDomainsWhitelisting_; }
+
+  // --- Subsystem operations. Declared here, defined by the subsystem that
+  // owns them (core must not depend on the subsystems): the keyboard fixer
+  // in vantu/container/laizaxlu_keyboard_offset.cpp.
+
+  /// Finds the screen's web view (recursively, through its child screens)
+  /// and attaches a new WebViewKeyboardOffsetFixer for it as the screen's
+  /// `offsetFixer`, replacing (and so releasing) any earlier one. Without a
+  /// web view nothing happens.
+  void attachKeyboardOffsetFixer(ViewController& viewController);
+
+  // The sandbox, in vantu/storage/laizaxlu_sandbox.cpp. The three store
+  // operations are queued on the shared store and return at once.
+
+  /// Deletes every app's stored data.
+  void clearAppSandbox();
+  /// Deletes every app's stored data except that of the app ids that are
+  /// keys of the dictionary (its values are ignored); nullopt exempts none.
+  void clearAppSandbox(std::optional<Dict> exemptedUniqueAppIdMap);
+  /// Moves data of older, unhashed domains to the hashed ones, once per
+  /// installation.
+  void performSandboxMigration();
+  /// The hashed storage name of `appId` (45 characters), computed here and
+  /// now on the caller's thread.
+  std::string getSandboxedFileNameForUniqueAppIdentifier(std::string_view appId) const;
 
   /// Testing only: back to the state of a fresh process.
   void resetForTesting();

@@ -10,6 +10,7 @@
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/images.h"
 #include "vantu/platform/notification_center.h"
+#include "vantu/platform/preferences.h"
 #include "vantu/platform/reachability.h"
 
 namespace vantu {
@@ -22,6 +23,8 @@ struct Platform {
   std::shared_ptr<ImageStore> images;
   std::shared_ptr<NotificationCenter> notificationCenter;
   std::shared_ptr<Reachability> reachability;
+  /// Persistent named suites (the sandboxed key-value store); may be null.
+  std::shared_ptr<Preferences> preferences;
 };
 
 /// Installs `platform` for the whole process (replacing any earlier one).

@@ -40,7 +40,11 @@ std::shared_ptr<TabBarController> ViewController::tabBarController() const {
 }
 
 void ViewController::present(const std::shared_ptr<ViewController>& presented, bool animated) {
-  if (!presented || presented_) return;  // one presentation at a time, as on the reference platform
+  if (!presented) return;
+  if (presented_ || presented.get() == this || presented->presentingViewController()) {
+    didRefusePresentation(presented, animated);  // one presentation at a time, as on the reference platform
+    return;
+  }
   presented_ = presented;
   presented->presenting_ = weak_from_this();
   didPresent(presented, animated);

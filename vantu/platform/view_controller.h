@@ -33,7 +33,10 @@ class ViewController : public Object, public std::enable_shared_from_this<ViewCo
   bool hidesBottomBarWhenPushed() const { return hidesBottomBarWhenPushed_; }
   void setHidesBottomBarWhenPushed(bool value) { hidesBottomBarWhenPushed_ = value; }
 
-  /// Modal presentation (alerts, share sheets, pickers).
+  /// Modal presentation (alerts, share sheets, pickers). One at a time: a
+  /// controller that is already presenting refuses another (it is not shown,
+  /// as on the reference platform), and so does one asked to present itself
+  /// or a controller that is already presented elsewhere.
   void present(const std::shared_ptr<ViewController>& presented, bool animated);
   void dismiss(bool animated);
   std::shared_ptr<ViewController> presentedViewController() const { return presented_; }
@@ -50,6 +53,8 @@ class ViewController : public Object, public std::enable_shared_from_this<ViewCo
   virtual std::shared_ptr<View> loadView() { return std::make_shared<View>(); }
   virtual void didPresent(const std::shared_ptr<ViewController>& /*presented*/, bool /*animated*/) {}
   virtual void didDismiss(const std::shared_ptr<ViewController>& /*presented*/, bool /*animated*/) {}
+  /// A presentation that was refused (see `present`); platforms report it.
+  virtual void didRefusePresentation(const std::shared_ptr<ViewController>& /*presented*/, bool /*animated*/) {}
 
  private:
   std::shared_ptr<View> view_;

@@ -1,12 +1,14 @@
 #include "vantu/bridges/host/host_bridges.h"
 #include "vantu/container/container_bridges.h"
 #include "vantu/runtime/bridge_registry.h"
+#include "vantu/storage/storage_bridges.h"
 
 namespace vantu {
 
 void registerAllBridges(BridgeRegistry& registry) {
   registry.addAll(HostBridges{});
   registry.addAll(ContainerBridges{});
+  registry.addAll(StorageBridges{});
 }
 
 }  // namespace vantu

@@ -2,12 +2,14 @@
 
 #include "vantu/container/h5_dynamic_provider.h"
 #include "vantu/core/laizaxlu.h"
+#include "vantu/storage/user_defaults_data_store_impl.h"
 
 namespace vantu {
 
 void resetSharedStateForTesting() {
   Laizaxlu::shared().resetForTesting();
   H5DynamicProvider::shared().resetForTesting();
+  UserDefaultsDataStoreImpl::resetForTesting();
 }
 
 }  // namespace vantu

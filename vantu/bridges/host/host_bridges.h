@@ -1,6 +1,7 @@
 #pragma once
 // The bridges answered by the host, from device facts, or by simple dialogs.
 
+#include "vantu/bridges/host/alert_handler.h"
 #include "vantu/bridges/host/app_info_handler.h"
 #include "vantu/bridges/host/app_version_handler.h"
 #include "vantu/bridges/host/auth_token_fetch_handler.h"
@@ -19,6 +20,8 @@
 #include "vantu/bridges/host/logout_handler.h"
 #include "vantu/bridges/host/navigate_to_handler.h"
 #include "vantu/bridges/host/session_expiry_handler.h"
+#include "vantu/bridges/host/share_text_and_image_handler.h"
+#include "vantu/bridges/host/share_text_handler.h"
 #include "vantu/bridges/host/track_event_handler.h"
 #include "vantu/core/bridge_list.h"
 
@@ -29,6 +32,7 @@ using HostBridges = BridgeList<DeviceManufacturerHandler,
                                DeviceNetworkTypeHandler, DeviceDataHandler, AppVersionHandler, AppInfoHandler,
                                DeeplinkHandler, NavigateToHandler, LoginHandler, LogoutHandler,
                                SessionExpiryHandler, AuthTokenFetchHandler, FetchCustomerId,
-                               FetchValuesForKeysHandler, FetchParamsAgainstKeyHandler, TrackEventHandler>;
+                               FetchValuesForKeysHandler, FetchParamsAgainstKeyHandler, TrackEventHandler,
+                               AlertHandler, ShareTextHandler, ShareTextAndImageHandler>;
 
 }  // namespace vantu

@@ -1,0 +1,62 @@
+#pragma once
+// The Linux platform bundle: real dispatch (an event loop for the main
+// queue, a worker thread per serial queue), device facts from uname,
+// os-release and the locale environment, reachability over rtnetlink, a
+// thread-safe notification centre, the console on standard output and a
+// plain application model. There is no image store yet: `images` is null,
+// and the library treats a missing image as "the application has none".
+
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platforms/linux/linux_device_facts.h"
+#include "platforms/linux/linux_dispatch.h"
+#include "platforms/linux/linux_notification_center.h"
+#include "platforms/linux/linux_reachability.h"
+#include "vantu/platform/platform.h"
+
+namespace vantu::linux_platform {
+
+/// Writes each line, followed by a newline, to a stdio stream (standard
+/// output by default), one whole line at a time across threads.
+class StreamConsole : public Console {
+ public:
+  explicit StreamConsole(std::FILE* stream = stdout) : stream_(stream) {}
+
+ protected:
+  void write(std::string_view line) override;
+
+ private:
+  std::FILE* stream_;
+};
+
+struct LinuxPlatformOptions {
+  /// The host's bundle information (application version and the like).
+  std::optional<Dict> bundleInfo;
+  /// What runs the main queue; an `EventLoop` of the platform's own when
+  /// absent.
+  std::shared_ptr<MainContext> mainContext;
+  /// os-release files tried in order for the system version.
+  std::vector<std::string> osReleasePaths = {"/etc/os-release", "/usr/lib/os-release"};
+  /// Where the preferences store (SQLite, platforms/store) keeps its
+  /// database; no preferences port when empty.
+  std::filesystem::path dataDirectory;
+};
+
+struct LinuxPlatform {
+  std::shared_ptr<Platform> platform;
+  std::shared_ptr<LinuxDispatch> dispatch;
+  /// The main event loop the host runs, or nullptr when a main context was
+  /// given.
+  std::shared_ptr<EventLoop> loop;
+};
+
+/// Builds the bundle; the caller installs `platform` with `installPlatform`.
+LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options = {});
+
+}  // namespace vantu::linux_platform

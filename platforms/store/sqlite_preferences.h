@@ -1,0 +1,75 @@
+#pragma once
+// The preferences port on SQLite: one database file under a data directory,
+// in WAL mode. Every port operation is one transaction. Writes commit with
+// synchronous=NORMAL (a committed write survives a crash of the process);
+// `synchronize` makes them survive a power loss too, by committing a tiny
+// marker with synchronous=FULL, which syncs the whole write-ahead log.
+//
+// Schema (format 1):
+//   suites(id INTEGER PRIMARY KEY, name TEXT UNIQUE)
+//   entries(suite_id, key, kind, value), PRIMARY KEY (suite_id, key),
+//     WITHOUT ROWID: the table is its own index on (suite, key), so one
+//     suite's keys are one range scan and nothing is loaded up front.
+//   meta(key PRIMARY KEY, value): the synchronize marker.
+// The standard suite is the suite row named "" (a name no caller may use).
+//
+// A database that cannot be opened or is damaged never crashes the caller:
+// suites fail to open or operations fail, and the cause is logged once per
+// run of failures (again only after something succeeded in between).
+//
+// Used by the Linux platform and the simulated device alike, so it lives in
+// its own small library (vantu_sqlite_store) that depends on the ports only.
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vantu/platform/preferences.h"
+
+namespace vantu::store {
+
+struct SqlitePreferencesOptions {
+  /// Created (with its parents) when missing.
+  std::filesystem::path directory;
+  /// Receives the failure causes; standard error when empty.
+  std::function<void(std::string_view)> log;
+};
+
+class SqlitePreferences : public Preferences {
+ public:
+  /// The database file's name inside the directory.
+  static constexpr std::string_view kFileName = "preferences.sqlite3";
+  /// Longest suite name accepted, in bytes (a suite is a file on the
+  /// reference platform, named after it).
+  static constexpr std::size_t kMaxSuiteNameBytes = 255;
+
+  explicit SqlitePreferences(SqlitePreferencesOptions options);
+  ~SqlitePreferences() override;
+
+  std::filesystem::path databasePath() const;
+  /// Whether the store accepts `name` for a suite.
+  static bool acceptsSuiteName(std::string_view name);
+
+  struct Database;
+
+ protected:
+  std::shared_ptr<PreferenceSuite> openSuite(std::string_view name) override;
+  std::shared_ptr<PreferenceSuite> openStandard() override;
+  bool removeDomain(std::string_view name) override;
+
+ private:
+  std::shared_ptr<Database> db_;
+};
+
+/// The encoding of list and map values in the `value` column (exposed for
+/// tests). Tag byte, then: nothing (null, true, false), 8 bytes little-endian
+/// (int, double bits, date bits), a varint length and bytes (string, bytes),
+/// a varint count and items (list), or a varint count and (key, value)
+/// pairs (map).
+std::string encodePreferenceValue(const PreferenceValue& value);
+/// nullopt for bytes that are not a whole, well-formed encoding.
+std::optional<PreferenceValue> decodePreferenceValue(std::string_view bytes);
+
+}  // namespace vantu::store

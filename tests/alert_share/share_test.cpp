@@ -1,0 +1,255 @@
+// "vantuShareText" and "vantuShareTextAndImage": the order of their checks,
+// what the share sheet receives (text, image, both, in that order), the
+// image forms a page may send (Base64, data URL) and images that fail.
+
+#include <variant>
+
+#include "tests/alert_share/alert_share_fixture.h"
+#include "tests/alert_share/test_images.h"
+#include "vantu/bridges/host/share_text_and_image_handler.h"
+#include "vantu/bridges/host/share_util.h"
+#include "vantu/platform/activity_view_controller.h"
+
+namespace vantu::testing_support {
+namespace {
+
+constexpr std::string_view kInvalidText = "SharePostHandler: Invalid text parameter!";
+constexpr std::string_view kNoContext = "Unable to get current H5 Context";
+constexpr std::string_view kImageNoContext = "ShareTextAndImageHandler: Unable to get current H5 Context";
+constexpr std::string_view kNothingPassed = "ShareTextAndImageHandler: Neither text not image base 64 passed!";
+constexpr std::string_view kBadImage = "ShareTextAndImageHandler: Failed to create image from base 64 string!";
+
+class ShareBridges : public AlertShareFixture {
+ protected:
+  /// The items of the share sheet `screen` presents, described: "text:..."
+  /// or "image:WxH".
+  Strings sharedItems(std::string_view screen = "page") {
+    auto sheet = presentedOn<ActivityViewController>(screen);
+    if (!sheet) return {"<no share sheet>"};
+    Strings items;
+    for (const auto& item : sheet->activityItems()) {
+      if (const auto* text = std::get_if<std::string>(&item)) {
+        items.push_back("text:" + *text);
+      } else {
+        const auto& image = std::get<Image>(item);
+        items.push_back("image:" + std::to_string(static_cast<int>(image.size.width)) + "x" +
+                        std::to_string(static_cast<int>(image.size.height)));
+      }
+    }
+    return items;
+  }
+
+  /// Closes what `screen` presents, as the user does.
+  void close(std::string_view screen = "page") {
+    if (auto vc = device.screen(screen)) vc->dismiss(true);
+    collect();
+  }
+
+  static std::string dataJson(const Dict& data) { return json::write(data); }
+};
+
+struct CheckCase {
+  const char* bridge;
+  std::string data;
+  const char* screen;
+  std::string_view message;
+};
+
+TEST_F(ShareBridges, ChecksComeInTheirOrder) {
+  const std::string png = base64Of(encodePng(2, 2, quadrantPixels()));
+  const CheckCase cases[] = {
+      // "vantuShareText": the text before the screen.
+      {"vantuShareText", "{}", "page", kInvalidText},
+      {"vantuShareText", "{}", "", kInvalidText},
+      {"vantuShareText", R"({"text": 12})", "page", kInvalidText},
+      {"vantuShareText", R"({"text": null})", "page", kInvalidText},
+      {"vantuShareText", R"({"text": ["a"]})", "", kInvalidText},
+      {"vantuShareText", R"({"text": "hi"})", "", kNoContext},
+      // "vantuShareTextAndImage": the screen first.
+      {"vantuShareTextAndImage", "{}", "", kImageNoContext},
+      {"vantuShareTextAndImage", R"({"text": "hi"})", "", kImageNoContext},
+      {"vantuShareTextAndImage", R"({"image": ")" + png + R"("})", "", kImageNoContext},
+      {"vantuShareTextAndImage", "{}", "page", kNothingPassed},
+      {"vantuShareTextAndImage", R"({"text": 1, "image": 2})", "page", kNothingPassed},
+      {"vantuShareTextAndImage", R"({"text": null, "image": {"b64": "x"}})", "page", kNothingPassed},
+      {"vantuShareTextAndImage", R"({"image": "!!!!"})", "page", kBadImage},
+      {"vantuShareTextAndImage", R"({"image": ""})", "page", kBadImage},
+      {"vantuShareTextAndImage", R"({"image": "bm90IGFuIGltYWdl"})", "page", kBadImage},  // "not an image"
+      // With an image that fails, the text is not shared alone.
+      {"vantuShareTextAndImage", R"({"text": "hi", "image": "@@@"})", "page", kBadImage},
+      {"vantuShareTextAndImage", R"({"text": "hi", "image": "bm90IGFuIGltYWdl"})", "page", kBadImage},
+      // A text that is not a string is absent, and the image still counts.
+      {"vantuShareTextAndImage", R"({"text": 5, "image": "@@@"})", "page", kBadImage},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.bridge) + " " + c.data.substr(0, 60) + " from '" + c.screen + "'");
+    auto out = call(c.bridge, c.data, c.screen);
+    EXPECT_EQ(out.answers, Strings{flatError(c.message)});
+    EXPECT_TRUE(out.effects.empty());
+    EXPECT_EQ(out.reported, std::string_view(c.screen) == "page" ? Strings{c.bridge} : Strings{});
+  }
+}
+
+TEST_F(ShareBridges, ShareTextPresentsTheSheetAndAnswersAtOnce) {
+  auto out = call("vantuShareText", R"({"text": "Look at this", "image": "ignored"})");
+  EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+  EXPECT_EQ(out.reported, Strings{"vantuShareText"});
+  EXPECT_EQ(out.effects, Strings{R"({"effect":"present","on":"page","presented":"shareSheet","animated":true,)"
+                                 R"("share":{"text":"Look at this","image":null}})"});
+  EXPECT_EQ(sharedItems(), Strings{"text:Look at this"});
+  close();
+
+  out = call("vantuShareText", R"({"text": ""})", "navPage");  // an empty text is still a text
+  EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+  EXPECT_EQ(sharedItems("navPage"), Strings{"text:"});
+}
+
+TEST_F(ShareBridges, ShareTextAndImageSharesTextImageOrBothInThatOrder) {
+  const std::string png = base64Of(encodePng(2, 2, quadrantPixels()));
+  struct Case {
+    std::string data;
+    Strings items;
+    std::string share;  // the effect's "share" value
+  };
+  const Case cases[] = {
+      {R"({"text": "hi"})", {"text:hi"}, R"({"text":"hi","image":null})"},
+      {R"({"text": "hi", "image": null})", {"text:hi"}, R"({"text":"hi","image":null})"},
+      {R"({"text": "hi", "image": 42})", {"text:hi"}, R"({"text":"hi","image":null})"},
+      {R"({"image": ")" + png + R"("})", {"image:2x2"}, R"({"text":null,"image":{"width":2,"height":2}})"},
+      {R"({"image": ")" + png + R"(", "text": "both"})", {"text:both", "image:2x2"},
+       R"({"text":"both","image":{"width":2,"height":2}})"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.data.substr(0, 60));
+    auto out = call("vantuShareTextAndImage", c.data);
+    EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+    EXPECT_EQ(out.reported, Strings{"vantuShareTextAndImage"});
+    EXPECT_EQ(sharedItems(), c.items);
+    EXPECT_EQ(out.effects, Strings{R"({"effect":"present","on":"page","presented":"shareSheet","animated":true,"share":)" +
+                                   c.share + "}"});
+    close();
+  }
+}
+
+TEST_F(ShareBridges, TheSharedImageHasTheDecodedPixels) {
+  call("vantuShareTextAndImage", Dict{{"image", base64Of(encodePng(2, 2, quadrantPixels()))}});
+  auto sheet = presentedOn<ActivityViewController>("page");
+  ASSERT_NE(sheet, nullptr);
+  ASSERT_EQ(sheet->activityItems().size(), 1u);
+  const auto* image = std::get_if<Image>(&sheet->activityItems()[0]);
+  ASSERT_NE(image, nullptr);
+  EXPECT_EQ(image->bytes, quadrantPixels());
+}
+
+TEST_F(ShareBridges, ImagesMaySpreadTheirBase64WithUnknownCharacters) {
+  std::string spread;
+  const std::string plain = base64Of(encodePng(3, 1, solidPixels(3, 1, {1, 2, 3, 255})));
+  for (std::size_t i = 0; i < plain.size(); ++i) {
+    spread += plain[i];
+    if (i % 10 == 9) spread += "\r\n";
+    if (i % 17 == 3) spread += " *";
+  }
+  auto out = call("vantuShareTextAndImage", Dict{{"image", spread}});
+  EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+  EXPECT_EQ(sharedItems(), Strings{"image:3x1"});
+}
+
+TEST_F(ShareBridges, ImagesAsDataUrls) {
+  const Bytes8 png = encodePng(2, 2, quadrantPixels());
+  std::string escaped;  // the percent-encoded form: every byte escaped
+  for (std::uint8_t b : png) {
+    static const char* hex = "0123456789ABCDEF";
+    escaped += '%';
+    escaped += hex[b >> 4];
+    escaped += hex[b & 15];
+  }
+  const Bytes8 gif = tinyGif();
+  const Bytes8 jpeg = encodeJpeg(8, 4, solidPixels(8, 4, {0, 0, 200, 255}));
+  struct Case {
+    std::string image;
+    std::string_view answer;  // empty: success
+    Strings items;
+  };
+  const Case cases[] = {
+      {"data:image/png;base64," + base64Of(png), {}, {"image:2x2"}},
+      {"data:image/gif;base64," + base64Of(gif), {}, {"image:2x1"}},
+      {"data:image/jpeg;base64," + base64Of(jpeg), {}, {"image:8x4"}},
+      {"data:image/png," + escaped, {}, {"image:2x2"}},
+      // The media type is not checked: the bytes decide.
+      {"data:image/jpeg;base64," + base64Of(png), {}, {"image:2x2"}},
+      // Not a data URL: nothing is loaded, whatever the URL names.
+      {"https://example.com/data:image/png", kBadImage, {}},
+      {"file:///tmp/data:image.png", kBadImage, {}},
+      // A data URL whose bytes are no picture, or that is no URL at all.
+      {"data:image/png;base64,bm90IGFuIGltYWdl", kBadImage, {}},
+      {"data:image/png;base64,*" + base64Of(png), kBadImage, {}},
+      {"data:image/png;base64, " + base64Of(png), kBadImage, {}},
+      {"  data:image/png;base64," + base64Of(png), kBadImage, {}},
+      {"data:image/png", kBadImage, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.image.substr(0, 50));
+    auto out = call("vantuShareTextAndImage", Dict{{"text", "t"}, {"image", c.image}});
+    if (c.answer.empty()) {
+      EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+      Strings items{"text:t"};
+      items.insert(items.end(), c.items.begin(), c.items.end());
+      EXPECT_EQ(sharedItems(), items);
+      close();
+    } else {
+      EXPECT_EQ(out.answers, Strings{flatError(c.answer)});
+      EXPECT_TRUE(out.effects.empty());
+    }
+  }
+}
+
+TEST_F(ShareBridges, CorruptPngsFailWithTheImageMessage) {
+  const Bytes8 png = encodePng(4, 4, solidPixels(4, 4, {10, 200, 30, 255}));
+  const std::size_t cuts[] = {1, 8, 16, 24, 33, 41, png.size() / 2, png.size() - 13};
+  for (std::size_t cut : cuts) {
+    SCOPED_TRACE("cut to " + std::to_string(cut));
+    const Bytes8 truncated(png.begin(), png.begin() + static_cast<std::ptrdiff_t>(cut));
+    auto out = call("vantuShareTextAndImage", Dict{{"image", base64Of(truncated)}, {"text", "x"}});
+    EXPECT_EQ(out.answers, Strings{flatError(kBadImage)});
+    EXPECT_TRUE(out.effects.empty());
+    out = call("vantuShareTextAndImage", Dict{{"image", "data:image/png;base64," + base64Of(truncated)}});
+    EXPECT_EQ(out.answers, Strings{flatError(kBadImage)});
+  }
+  // A header that lies about the size.
+  auto out = call("vantuShareTextAndImage", Dict{{"image", base64Of(pngClaiming(12000, 12000))}});
+  EXPECT_EQ(out.answers, Strings{flatError(kBadImage)});
+}
+
+TEST_F(ShareBridges, ASecondSheetOnABusyScreenIsRefusedButStillAnswered) {
+  // The bridges answer as soon as they asked for the sheet; the platform
+  // shows one presentation at a time.
+  call("vantuShareText", R"({"text": "first"})");
+  auto out = call("vantuShareTextAndImage", R"({"text": "second"})");
+  EXPECT_EQ(out.answers, Strings{kSuccessFlag});
+  EXPECT_EQ(out.effects, Strings{R"({"effect":"presentRefused","on":"page","presented":"shareSheet","animated":true,)"
+                                 R"("showing":"shareSheet","share":{"text":"second","image":null}})"});
+  EXPECT_EQ(sharedItems(), Strings{"text:first"});
+}
+
+TEST_F(ShareBridges, ShareUtilWithNothingToShareAnswersInsideData) {
+  Strings answers;
+  ShareUtil::share(std::nullopt, std::nullopt, *device.screen("page"),
+                   [&](const Value& answer) { answers.push_back(json::write(answer)); });
+  EXPECT_EQ(answers,
+            Strings{R"({"data":{"success":false,"error":"ShareTextAndImageHandler: Text and image both found nil"}})"});
+  EXPECT_EQ(device.screen("page")->presentedViewController(), nullptr);
+  EXPECT_TRUE(collect().effects.empty());
+}
+
+TEST(ShareImageStrings, BecomeImagesOrNothing) {
+  const Bytes8 png = encodePng(1, 1, solidPixels(1, 1, {1, 1, 1, 255}));
+  EXPECT_TRUE(ShareTextAndImageHandler::imageFromPageString(base64Of(png)).has_value());
+  EXPECT_TRUE(ShareTextAndImageHandler::imageFromPageString("data:image/png;base64," + base64Of(png)).has_value());
+  // "data:image" anywhere makes the string a URL; here one that loads nothing.
+  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString(base64Of(png) + "data:image").has_value());
+  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString("").has_value());
+  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString("====").has_value());
+}
+
+}  // namespace
+}  // namespace vantu::testing_support

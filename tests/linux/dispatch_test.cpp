@@ -1,0 +1,314 @@
+// Dispatch on Linux: the main event loop, worker-thread serial queues,
+// timers on the monotonic clock, sync hand-offs and queue shutdown.
+// Waits are bounded only as safety nets; nothing here measures speed.
+
+#include "platforms/linux/linux_dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/linux/proc_counts.h"
+
+namespace vantu::linux_platform {
+namespace {
+
+using namespace std::chrono_literals;
+using Log = std::vector<std::string>;
+constexpr auto kSafety = 20s;
+
+/// A log several threads append to.
+class SharedLog {
+ public:
+  void add(std::string entry) {
+    std::lock_guard lock(mutex_);
+    entries_.push_back(std::move(entry));
+  }
+  Log entries() const {
+    std::lock_guard lock(mutex_);
+    return entries_;
+  }
+  std::size_t size() const {
+    std::lock_guard lock(mutex_);
+    return entries_.size();
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  Log entries_;
+};
+
+/// A one-shot signal set on one thread and waited for on another. Copies
+/// share it, so the setter may still be inside `set()` when the waiter
+/// returns and unwinds.
+class Latch {
+ public:
+  void set() const { promise_->set_value(); }
+  bool waitFor(Duration timeout) const { return future_.wait_for(timeout) == std::future_status::ready; }
+
+ private:
+  std::shared_ptr<std::promise<void>> promise_ = std::make_shared<std::promise<void>>();
+  std::shared_future<void> future_ = promise_->get_future().share();
+};
+
+class LinuxDispatchTest : public ::testing::Test {
+ protected:
+  LinuxDispatch dispatch;
+  EventLoop& loop() { return *dispatch.loop(); }
+  std::shared_ptr<SerialQueue> main() { return dispatch.main(); }
+};
+
+TEST_F(LinuxDispatchTest, MainQueueRunsPostedWorkInOrderOnlyWhenTheLoopRuns) {
+  Log log;
+  main()->async([&] { log.push_back("a"); });
+  main()->async([&] {
+    log.push_back("b");
+    main()->async([&] { log.push_back("posted by b"); });
+  });
+  main()->async([&] { log.push_back("c"); });
+  EXPECT_TRUE(log.empty());
+  EXPECT_EQ(loop().runUntilIdle(), 4u);
+  EXPECT_EQ(log, (Log{"a", "b", "c", "posted by b"}));
+  EXPECT_EQ(loop().runUntilIdle(), 0u);
+}
+
+TEST_F(LinuxDispatchTest, RunReturnsOnStopAndAStopBeforeRunIsKept) {
+  Log log;
+  std::thread poster([&] {
+    main()->async([&] { log.push_back("from another thread"); });
+    main()->async([&] { loop().stop(); });
+    main()->async([&] { log.push_back("after stop"); });
+  });
+  poster.join();
+  loop().run();
+  EXPECT_EQ(log, (Log{"from another thread"}));
+
+  loop().stop();
+  loop().run();  // returns at once
+  EXPECT_EQ(log, (Log{"from another thread"}));
+  loop().runUntilIdle();
+  EXPECT_EQ(log, (Log{"from another thread", "after stop"}));
+}
+
+TEST_F(LinuxDispatchTest, RunWakesForWorkPostedLaterFromAnotherThread) {
+  std::atomic<bool> ran{false};
+  std::thread poster([&] {
+    std::this_thread::sleep_for(20ms);  // let run() go to sleep first
+    main()->async([&] {
+      ran = true;
+      loop().stop();
+    });
+  });
+  loop().run();
+  poster.join();
+  EXPECT_TRUE(ran);
+}
+
+TEST_F(LinuxDispatchTest, TimersRunInDueOrderAndNeverEarly) {
+  Log log;
+  auto start = dispatch.now();
+  std::vector<std::pair<std::string, Duration>> ranAt;
+  auto timer = [&](std::string name) {
+    return [&, name] { ranAt.emplace_back(name, dispatch.now() - start); };
+  };
+  main()->asyncAfter(60ms, timer("60"));
+  main()->asyncAfter(20ms, timer("20"));
+  main()->asyncAfter(40ms, timer("40"));
+  main()->asyncAfter(1h, timer("1h"));
+  main()->async(timer("now"));
+  EXPECT_EQ(loop().runUntilIdle(), 1u);
+  ASSERT_TRUE(loop().runUntil([&] { return ranAt.size() == 4; }, kSafety));
+  Log order;
+  for (auto& [name, at] : ranAt) order.push_back(name);
+  EXPECT_EQ(order, (Log{"now", "20", "40", "60"}));
+  EXPECT_GE(ranAt[1].second, 20ms);
+  EXPECT_GE(ranAt[2].second, 40ms);
+  EXPECT_GE(ranAt[3].second, 60ms);
+  EXPECT_EQ(loop().runFor(10ms), 0u);  // the hour-long timer stays put
+}
+
+TEST_F(LinuxDispatchTest, MainSyncFromAnotherThreadRunsOnTheLoopThread) {
+  std::thread::id ranOn;
+  bool finished = false;
+  std::thread caller([&] {
+    main()->sync([&] { ranOn = std::this_thread::get_id(); });
+    main()->async([&] { finished = true; });  // only after sync returned
+  });
+  EXPECT_TRUE(loop().runUntil([&] { return finished; }, kSafety));
+  caller.join();
+  EXPECT_EQ(ranOn, std::this_thread::get_id());
+}
+
+TEST_F(LinuxDispatchTest, MainSyncOnTheMainThreadRunsInline) {
+  bool ran = false;
+  main()->sync([&] { ran = true; });
+  EXPECT_TRUE(ran);
+  main()->async([&] {
+    bool inner = false;
+    main()->sync([&] { inner = true; });
+    ran = inner;
+  });
+  ran = false;
+  loop().runUntilIdle();
+  EXPECT_TRUE(ran);
+}
+
+TEST_F(LinuxDispatchTest, SerialQueueRunsTasksInOrderOnOneWorkerThreadStartedOnFirstUse) {
+  auto queue = dispatch.makeSerialQueue("com.vantu.test.a");
+  auto* worker = dynamic_cast<WorkerQueue*>(queue.get());
+  ASSERT_NE(worker, nullptr);
+  EXPECT_EQ(queue->label(), "com.vantu.test.a");
+  EXPECT_FALSE(worker->started());
+
+  std::vector<int> order;
+  std::vector<std::thread::id> threads;
+  for (int i = 0; i < 200; ++i) {
+    queue->async([&, i] {
+      order.push_back(i);
+      threads.push_back(std::this_thread::get_id());
+    });
+  }
+  EXPECT_TRUE(worker->started());
+  queue->sync([] {});
+  ASSERT_EQ(order.size(), 200u);
+  for (int i = 0; i < 200; ++i) EXPECT_EQ(order[i], i);
+  for (auto id : threads) EXPECT_EQ(id, threads.front());
+  EXPECT_NE(threads.front(), std::this_thread::get_id());
+
+  auto other = dispatch.makeSerialQueue("com.vantu.test.b");
+  std::thread::id otherThread;
+  other->sync([&] { otherThread = std::this_thread::get_id(); });
+  EXPECT_NE(otherThread, threads.front());
+}
+
+TEST_F(LinuxDispatchTest, SyncFromAnotherThreadWaitsAndPassesOnExceptions) {
+  auto queue = dispatch.makeSerialQueue("q");
+  Latch release;
+  int value = 0;
+  queue->async([release] { release.waitFor(kSafety); });
+  std::thread releaser([release] {
+    std::this_thread::sleep_for(10ms);
+    release.set();
+  });
+  queue->sync([&] { value = 7; });  // queued behind the blocked task
+  EXPECT_EQ(value, 7);
+  releaser.join();
+  EXPECT_THROW(queue->sync([] { throw std::runtime_error("inside"); }), std::runtime_error);
+  queue->sync([&] { value = 8; });  // the worker survived
+  EXPECT_EQ(value, 8);
+}
+
+TEST_F(LinuxDispatchTest, SyncFromTheQueueItselfRunsInlineAheadOfQueuedWork) {
+  auto queue = dispatch.makeSerialQueue("q");
+  SharedLog log;
+  Latch done;
+  queue->async([&] {
+    queue->async([&] { log.add("queued"); });
+    queue->sync([&] { log.add("inline"); });
+    log.add("after sync");
+    queue->async([done] { done.set(); });
+  });
+  ASSERT_TRUE(done.waitFor(kSafety));
+  EXPECT_EQ(log.entries(), (Log{"inline", "after sync", "queued"}));
+}
+
+TEST_F(LinuxDispatchTest, SerialQueueTimersRunInDueOrder) {
+  auto queue = dispatch.makeSerialQueue("q");
+  SharedLog log;
+  Latch done;
+  queue->asyncAfter(30ms, [&] { log.add("30"); });
+  queue->asyncAfter(10ms, [&] { log.add("10"); });
+  queue->asyncAfter(40ms, [done] { done.set(); });
+  queue->asyncAfter(20ms, [&] { log.add("20"); });
+  queue->async([&] { log.add("now"); });
+  ASSERT_TRUE(done.waitFor(kSafety));
+  EXPECT_EQ(log.entries(), (Log{"now", "10", "20", "30"}));
+}
+
+TEST_F(LinuxDispatchTest, DestroyingAQueueFinishesDueWorkDropsTimersAndJoinsItsThread) {
+  auto baseThreads = countThreads();
+  std::atomic<int> ran{0};
+  auto timerState = std::make_shared<int>(0);
+  {
+    auto queue = dispatch.makeSerialQueue("q");
+    queue->async([] { std::this_thread::sleep_for(5ms); });  // the rest queue up behind it
+    for (int i = 0; i < 100; ++i) queue->async([&] { ++ran; });
+    queue->asyncAfter(1h, [timerState] { ++*timerState; });
+    EXPECT_LE(threadsSettledAtMost(baseThreads + 1), baseThreads + 1);
+  }
+  EXPECT_EQ(ran, 100);
+  EXPECT_EQ(timerState.use_count(), 1);  // the dropped timer released what it held
+  EXPECT_EQ(*timerState, 0);
+  EXPECT_LE(threadsSettledAtMost(baseThreads), baseThreads);
+}
+
+TEST_F(LinuxDispatchTest, AQueueReleasedInsideItsOwnTaskShutsDownWithoutDeadlock) {
+  auto baseThreads = countThreads();
+  auto queue = dispatch.makeSerialQueue("q");
+  Latch gate;
+  Latch done;
+  queue->async([gate] { gate.waitFor(kSafety); });
+  queue->async([done, self = queue]() mutable {
+    self.reset();  // the last reference: the queue is destroyed on its own worker
+    done.set();
+  });
+  queue.reset();
+  gate.set();
+  ASSERT_TRUE(done.waitFor(kSafety));
+  // The detached worker ends by itself right after that task.
+  EXPECT_LE(threadsSettledAtMost(baseThreads), baseThreads);
+}
+
+TEST_F(LinuxDispatchTest, GroupsNotifyTheMainQueueAfterWorkOnOtherQueuesLeaves) {
+  auto a = dispatch.makeSerialQueue("a");
+  auto b = dispatch.makeSerialQueue("b");
+  DispatchGroup group;
+  std::atomic<int> work{0};
+  bool notified = false;
+  group.enter();
+  group.enter();
+  a->async([&] {
+    ++work;
+    group.leave();
+  });
+  b->async([&] {
+    ++work;
+    group.leave();
+  });
+  group.notify(main(), [&] { notified = work == 2; });
+  EXPECT_TRUE(loop().runUntil([&] { return notified; }, kSafety));
+}
+
+/// A main context of another kind (as a GUI toolkit would give) drives the
+/// main queue without an EventLoop.
+class RecordingContext : public MainContext {
+ public:
+  std::vector<std::pair<Duration, Task>> posted;
+  void post(Duration delay, Task task) override { posted.emplace_back(delay, std::move(task)); }
+  bool isMainThread() const override { return true; }
+};
+
+TEST(LinuxDispatchContext, AGivenMainContextReceivesTheMainQueuesWork) {
+  auto context = std::make_shared<RecordingContext>();
+  LinuxDispatch dispatch(context);
+  EXPECT_EQ(dispatch.loop(), nullptr);
+  int ran = 0;
+  dispatch.main()->async([&] { ++ran; });
+  dispatch.main()->asyncAfter(250ms, [&] { ran += 10; });
+  dispatch.main()->sync([&] { ran += 100; });  // the context says: main thread
+  ASSERT_EQ(context->posted.size(), 2u);
+  EXPECT_EQ(context->posted[0].first, Duration::zero());
+  EXPECT_EQ(context->posted[1].first, 250ms);
+  EXPECT_EQ(ran, 100);
+  for (auto& [delay, task] : context->posted) task();
+  EXPECT_EQ(ran, 111);
+}
+
+}  // namespace
+}  // namespace vantu::linux_platform

@@ -1,0 +1,220 @@
+// Reachability against a real kernel: a forked child moves into a network
+// namespace of its own (only a loopback interface, down), changes that
+// namespace's links and routes with iproute2, and checks the flags and the
+// notifier after each step. The test runner's own namespace, and so the
+// machine's network, is never touched; every address used lives inside the
+// child's namespace.
+//
+// Needs root and unshare(CLONE_NEWNET); skipped otherwise. The child reports
+// what went wrong through a pipe and its exit status.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "platforms/linux/linux_platform.h"
+#include "vantu/net/h5_reachability.h"
+
+extern char** environ;
+
+namespace vantu::linux_platform {
+namespace {
+
+namespace flag = reachability_flag;
+using namespace std::chrono_literals;
+
+constexpr int kPassed = 0;
+constexpr int kFailed = 1;
+constexpr int kSkipped = 77;
+
+/// What the child tells its parent.
+class Report {
+ public:
+  explicit Report(int fd) : fd_(fd) {}
+  void say(const std::string& line) {
+    std::string text = line + "\n";
+    [[maybe_unused]] auto written = ::write(fd_, text.data(), text.size());
+  }
+  bool check(bool ok, const std::string& what) {
+    if (!ok) {
+      failed_ = true;
+      say(what);
+    }
+    return ok;
+  }
+  bool failed() const { return failed_; }
+
+ private:
+  int fd_;
+  bool failed_ = false;
+};
+
+/// Runs `ip ARGS...` (output discarded); true when it succeeded.
+bool ip(std::vector<std::string> args) {
+  args.insert(args.begin(), "ip");
+  std::vector<char*> argv;
+  for (auto& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  pid_t pid = 0;
+  int spawned = posix_spawnp(&pid, "ip", &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (spawned != 0) return false;
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const auto& w : words) text += (text.empty() ? "" : " ") + w;
+  return text;
+}
+
+int exercise(Report& report) {
+  if (geteuid() != 0) {
+    report.say("needs root");
+    return kSkipped;
+  }
+  if (unshare(CLONE_NEWNET) != 0) {
+    report.say(std::string("unshare(CLONE_NEWNET): ") + std::strerror(errno));
+    return kSkipped;
+  }
+  if (!ip({"link", "show", "lo"})) {
+    report.say("the ip command (iproute2) is not available");
+    return kSkipped;
+  }
+
+  auto bundle = makeLinuxPlatform();
+  installPlatform(bundle.platform);
+  auto& loop = *bundle.loop;
+
+  auto handle = bundle.platform->reachability->handleForAddress(SocketAddress::zeroIPv4());
+  if (!report.check(handle != nullptr, "no handle for the zero address")) return kFailed;
+  auto flagsNow = [&] { return handle->currentFlags(); };
+  report.check(flagsNow() == ReachabilityFlags{0}, "a fresh namespace must not be reachable");
+
+  auto made = H5Reachability::makeForInternet();
+  if (!report.check(made.ok(), "makeForInternet failed")) return kFailed;
+  auto monitor = made.value();
+  std::vector<std::string> events;  // main queue only
+  monitor->whenReachable = [&](H5Reachability& r) {
+    events.push_back("reachable " + r.currentReachabilityString() + " " + r.description());
+  };
+  monitor->whenUnreachable = [&](H5Reachability& r) { events.push_back("unreachable " + r.description()); };
+  int posted = 0;
+  auto token = bundle.platform->notificationCenter->addObserver(std::string(kReachabilityChangedNotification),
+                                                                [&](const Notification&) { ++posted; });
+  report.check(!monitor->startNotifier().has_value(), "startNotifier failed");
+
+  auto waitForEvents = [&](std::size_t count, const std::string& step) {
+    bool arrived = loop.runUntil([&] { return events.size() >= count && posted >= static_cast<int>(count); }, 15s);
+    return report.check(arrived, "no notification after: " + step);
+  };
+  auto run = [&](std::vector<std::string> args) {
+    return report.check(ip(args), "ip " + joined(args) + " failed");
+  };
+
+  waitForEvents(1, "startNotifier");
+
+  run({"link", "set", "lo", "up"});
+  report.check(flagsNow() == ReachabilityFlags{0}, "loopback alone must not make the network reachable");
+
+  run({"link", "add", "v0", "type", "veth", "peer", "name", "v1"});
+  run({"addr", "add", "10.99.0.2/24", "dev", "v0"});
+  run({"link", "set", "v1", "up"});
+  run({"link", "set", "v0", "up"});
+  report.check(flagsNow() == ReachabilityFlags{0}, "an interface without a default route must not be reachable");
+
+  run({"route", "add", "default", "via", "10.99.0.1"});
+  report.check(flagsNow() == flag::kReachable, "IPv4 default route: reachable");
+  waitForEvents(2, "adding the IPv4 default route");
+
+  run({"route", "del", "default"});
+  report.check(flagsNow() == ReachabilityFlags{0}, "default route deleted: not reachable");
+  waitForEvents(3, "deleting the default route");
+
+  run({"-6", "route", "add", "default", "dev", "v0"});
+  report.check(flagsNow() == flag::kReachable, "IPv6 default route: reachable");
+  waitForEvents(4, "adding the IPv6 default route");
+
+  run({"link", "set", "v0", "down"});
+  report.check(flagsNow() == ReachabilityFlags{0}, "interface down: not reachable");
+  waitForEvents(5, "taking the interface down");
+
+  run({"link", "add", "wwan0", "type", "veth", "peer", "name", "wwpeer"});
+  run({"link", "set", "wwpeer", "up"});
+  run({"link", "set", "wwan0", "up"});
+  run({"addr", "add", "10.98.0.2/24", "dev", "wwan0"});
+  run({"route", "add", "default", "via", "10.98.0.1"});
+  report.check(flagsNow() == (flag::kReachable | flag::kIsWWAN), "default route over wwan0: cellular");
+  waitForEvents(6, "the default route over wwan0");
+
+  run({"link", "del", "wwan0"});
+  report.check(flagsNow() == ReachabilityFlags{0}, "modem removed: not reachable");
+  waitForEvents(7, "removing wwan0");
+
+  std::vector<std::string> expected{
+      "unreachable -- -------",
+      "reachable WiFi -R -------",
+      "unreachable -- -------",
+      "reachable WiFi -R -------",
+      "unreachable -- -------",
+      "reachable Cellular WR -------",
+      "unreachable -- -------",
+  };
+  // Changes that leave the flags as they were (loopback up, addresses,
+  // the peer interfaces) must not have been reported.
+  if (!report.check(events == expected, "notifications differ from the expected sequence")) {
+    for (const auto& e : events) report.say("  got: " + e);
+  }
+  monitor->stopNotifier();
+  return report.failed() ? kFailed : kPassed;
+}
+
+TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute) {
+  int fds[2];
+  ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    close(fds[0]);
+    alarm(150);  // never outlive the test's own time limit
+    Report report(fds[1]);
+    int code = exercise(report);
+    _exit(code);  // no exit handlers, no leak check of a half-torn-down child
+  }
+  close(fds[1]);
+  std::string output;
+  char buffer[512];
+  for (;;) {
+    auto got = read(fds[0], buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    output.append(buffer, static_cast<std::size_t>(got));
+  }
+  close(fds[0]);
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  if (WIFSIGNALED(status)) FAIL() << "the child died of signal " << WTERMSIG(status) << "\n" << output;
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == kSkipped) GTEST_SKIP() << output;
+  EXPECT_EQ(WEXITSTATUS(status), kPassed) << output;
+  EXPECT_EQ(output, "");
+}
+
+}  // namespace
+}  // namespace vantu::linux_platform

@@ -1,0 +1,348 @@
+// Reachability on Linux without touching the network: the flag rules over
+// made-up snapshots, the rtnetlink message parser over hand-built messages,
+// what the service will make handles for, and that attaching and detaching
+// a monitor leaves no descriptor or thread behind.
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <linux/netlink.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
+#include <net/if_arp.h>
+
+#include <cstring>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platforms/linux/linux_dispatch.h"
+#include "platforms/linux/linux_platform.h"
+#include "platforms/linux/linux_reachability.h"
+#include "platforms/linux/network_snapshot.h"
+#include "tests/linux/proc_counts.h"
+#include "vantu/net/h5_reachability.h"
+
+namespace vantu::linux_platform {
+namespace {
+
+namespace flag = reachability_flag;
+constexpr unsigned kUp = IFF_UP | IFF_RUNNING;
+constexpr unsigned short kRawIp = 519;
+
+NetworkInterface iface(int index, std::string name, unsigned flags = kUp, unsigned short type = ARPHRD_ETHER) {
+  return NetworkInterface{index, std::move(name), flags, type};
+}
+DefaultRoute v4(int index, std::uint32_t metric = 0) { return DefaultRoute{AF_INET, index, metric}; }
+DefaultRoute v6(int index, std::uint32_t metric = 0) { return DefaultRoute{AF_INET6, index, metric}; }
+
+struct FlagCase {
+  const char* name;
+  NetworkSnapshot snapshot;
+  ReachabilityFlags flags;
+  friend void PrintTo(const FlagCase& c, std::ostream* os) { *os << c.name; }
+};
+
+class DerivedFlags : public ::testing::TestWithParam<FlagCase> {};
+
+TEST_P(DerivedFlags, FollowTheDefaultRoute) {
+  EXPECT_EQ(deriveFlags(GetParam().snapshot), GetParam().flags) << describeFlags(deriveFlags(GetParam().snapshot), true);
+}
+
+const auto lo = iface(1, "lo", kUp | IFF_LOOPBACK, ARPHRD_LOOPBACK);
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, DerivedFlags,
+    ::testing::Values(
+        FlagCase{"NothingAtAll", {}, 0},
+        FlagCase{"OnlyLoopback", {{lo}, {}}, 0},
+        FlagCase{"InterfaceUpWithoutDefaultRoute", {{lo, iface(2, "eth0")}, {}}, 0},
+        FlagCase{"DefaultRouteOverEthernet", {{lo, iface(2, "eth0")}, {v4(2, 100)}}, flag::kReachable},
+        FlagCase{"IPv6DefaultRouteAlone", {{iface(2, "wlan0")}, {v6(2, 1024)}}, flag::kReachable},
+        FlagCase{"UpWithoutCarrier", {{iface(2, "eth0", IFF_UP)}, {v4(2)}}, 0},
+        FlagCase{"RunningButAdministrativelyDown", {{iface(2, "eth0", IFF_RUNNING)}, {v4(2)}}, 0},
+        FlagCase{"RouteOverAnUnknownInterface", {{iface(2, "eth0")}, {v4(7)}}, 0},
+        FlagCase{"RouteOverLoopback", {{lo}, {v4(1)}}, 0},
+        FlagCase{"WwanByName", {{iface(3, "wwan0", kUp, ARPHRD_ETHER)}, {v4(3)}}, flag::kReachable | flag::kIsWWAN},
+        FlagCase{"WwanByPredictableName", {{iface(3, "wwp0s20f0u6i12")}, {v4(3)}}, flag::kReachable | flag::kIsWWAN},
+        FlagCase{"WwanByRawIpLinkType", {{iface(3, "rmnet_data0", kUp, kRawIp)}, {v6(3)}},
+                 flag::kReachable | flag::kIsWWAN},
+        FlagCase{"TunnelIsNotCellular", {{iface(4, "tun0", kUp | IFF_POINTOPOINT, ARPHRD_NONE)}, {v4(4)}},
+                 flag::kReachable},
+        FlagCase{"PppIsNotCellular", {{iface(4, "ppp0", kUp | IFF_POINTOPOINT, ARPHRD_PPP)}, {v4(4)}},
+                 flag::kReachable},
+        FlagCase{"LowerMetricWinsEthernet", {{iface(2, "eth0"), iface(3, "wwan0")}, {v4(3, 700), v4(2, 100)}},
+                 flag::kReachable},
+        FlagCase{"LowerMetricWinsModem", {{iface(2, "eth0"), iface(3, "wwan0")}, {v4(2, 600), v4(3, 100)}},
+                 flag::kReachable | flag::kIsWWAN},
+        FlagCase{"UnusableBetterRouteIsSkipped",
+                 {{iface(2, "eth0", IFF_UP), iface(3, "wwan0")}, {v4(2, 100), v4(3, 700)}},
+                 flag::kReachable | flag::kIsWWAN},
+        FlagCase{"EqualMetricPrefersIPv4", {{iface(2, "eth0"), iface(3, "wwan0")}, {v6(3, 50), v4(2, 50)}},
+                 flag::kReachable},
+        FlagCase{"EqualMetricAndFamilyPrefersLowerIndex",
+                 {{iface(5, "eth0"), iface(3, "wwan0")}, {v4(5, 50), v4(3, 50)}}, flag::kReachable | flag::kIsWWAN}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// --- message building
+
+using Bytes = std::vector<std::byte>;
+
+template <typename T>
+Bytes bytesOf(const T& value) {
+  Bytes out(sizeof(T));
+  std::memcpy(out.data(), &value, sizeof(T));
+  return out;
+}
+
+Bytes u32(std::uint32_t v) { return bytesOf(v); }
+Bytes text(const char* s) {
+  Bytes out(std::strlen(s) + 1);
+  std::memcpy(out.data(), s, out.size());
+  return out;
+}
+
+void pad(Bytes& out) {
+  while (out.size() % 4) out.push_back(std::byte{0});
+}
+
+Bytes attribute(unsigned short type, const Bytes& payload) {
+  rtattr header{static_cast<unsigned short>(RTA_LENGTH(payload.size())), type};
+  Bytes out = bytesOf(header);
+  out.insert(out.end(), payload.begin(), payload.end());
+  pad(out);
+  return out;
+}
+
+template <typename Body>
+void appendMessage(Bytes& buffer, std::uint16_t type, const Body& body, const std::vector<Bytes>& attrs = {},
+                   std::uint16_t flags = 0) {
+  Bytes payload = bytesOf(body);
+  pad(payload);
+  for (const auto& a : attrs) payload.insert(payload.end(), a.begin(), a.end());
+  nlmsghdr header{};
+  header.nlmsg_len = static_cast<std::uint32_t>(NLMSG_HDRLEN + payload.size());
+  header.nlmsg_type = type;
+  header.nlmsg_flags = flags;
+  Bytes message = bytesOf(header);
+  message.resize(NLMSG_HDRLEN);
+  message.insert(message.end(), payload.begin(), payload.end());
+  buffer.insert(buffer.end(), message.begin(), message.end());
+}
+
+void appendLink(Bytes& buffer, int index, const char* name, unsigned flags, unsigned short type) {
+  ifinfomsg info{};
+  info.ifi_family = AF_UNSPEC;
+  info.ifi_index = index;
+  info.ifi_flags = flags;
+  info.ifi_type = type;
+  appendMessage(buffer, RTM_NEWLINK, info, {attribute(IFLA_MTU, u32(1500)), attribute(IFLA_IFNAME, text(name))});
+}
+
+rtmsg routeHeader(unsigned char family, unsigned char dstLen = 0, unsigned char table = RT_TABLE_MAIN,
+                  unsigned char type = RTN_UNICAST) {
+  rtmsg r{};
+  r.rtm_family = family;
+  r.rtm_dst_len = dstLen;
+  r.rtm_table = table;
+  r.rtm_type = type;
+  r.rtm_protocol = RTPROT_BOOT;
+  return r;
+}
+
+Bytes nextHop(int index, unsigned char flags = 0) {
+  in6_addr gateway{};
+  gateway.s6_addr[0] = 0xfe;
+  gateway.s6_addr[1] = 0x80;
+  Bytes gw = attribute(RTA_GATEWAY, bytesOf(gateway));
+  rtnexthop hop{};
+  hop.rtnh_len = static_cast<unsigned short>(sizeof(rtnexthop) + gw.size());
+  hop.rtnh_flags = flags;
+  hop.rtnh_ifindex = index;
+  Bytes out = bytesOf(hop);
+  out.insert(out.end(), gw.begin(), gw.end());
+  return out;
+}
+
+TEST(NetlinkMessages, LinksAndUnicastDefaultRoutesOfTheMainTableAreTaken) {
+  Bytes buffer;
+  appendLink(buffer, 1, "lo", IFF_UP | IFF_RUNNING | IFF_LOOPBACK, ARPHRD_LOOPBACK);
+  appendLink(buffer, 2, "eth0", IFF_UP | IFF_BROADCAST, ARPHRD_ETHER);
+  appendLink(buffer, 3, "wwan0", IFF_UP | IFF_RUNNING, kRawIp);
+  in_addr gateway{htonl(0x0a000001)};
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET),
+                {attribute(RTA_TABLE, u32(RT_TABLE_MAIN)), attribute(RTA_GATEWAY, bytesOf(gateway)),
+                 attribute(RTA_PRIORITY, u32(100)), attribute(RTA_OIF, u32(2))});
+  // Not default, not unicast, not the main table (RTA_TABLE overrides the header).
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 24), {attribute(RTA_OIF, u32(2))});
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 0, RT_TABLE_MAIN, RTN_UNREACHABLE),
+                {attribute(RTA_OIF, u32(2))});
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 0, RT_TABLE_COMPAT),
+                {attribute(RTA_TABLE, u32(1000)), attribute(RTA_OIF, u32(2))});
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 0, RT_TABLE_LOCAL), {attribute(RTA_OIF, u32(1))});
+  // Multipath IPv6 default: one live hop, one dead.
+  Bytes hops = nextHop(3);
+  Bytes dead = nextHop(2, RTNH_F_DEAD);
+  hops.insert(hops.end(), dead.begin(), dead.end());
+  appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET6),
+                {attribute(RTA_PRIORITY, u32(1024)), attribute(RTA_MULTIPATH, hops)});
+  appendMessage(buffer, NLMSG_DONE, std::uint32_t{0});
+
+  NetworkSnapshot snapshot;
+  ASSERT_TRUE(addNetlinkMessages(buffer, snapshot));
+  std::vector<NetworkInterface> expectedInterfaces{
+      iface(1, "lo", IFF_UP | IFF_RUNNING | IFF_LOOPBACK, ARPHRD_LOOPBACK),
+      iface(2, "eth0", IFF_UP | IFF_BROADCAST), iface(3, "wwan0", kUp, kRawIp)};
+  EXPECT_EQ(snapshot.interfaces, expectedInterfaces);
+  std::vector<DefaultRoute> expectedRoutes{v4(2, 100), v6(3, 1024)};
+  EXPECT_EQ(snapshot.defaultRoutes, expectedRoutes);
+  // eth0 has no carrier: the modem carries the traffic.
+  EXPECT_EQ(deriveFlags(snapshot), flag::kReachable | flag::kIsWWAN);
+}
+
+TEST(NetlinkMessages, ALaterLinkMessageReplacesTheEarlierOne) {
+  Bytes buffer;
+  appendLink(buffer, 2, "eth0", IFF_UP, ARPHRD_ETHER);
+  appendLink(buffer, 2, "eth0", IFF_UP | IFF_RUNNING, ARPHRD_ETHER);
+  NetworkSnapshot snapshot;
+  ASSERT_TRUE(addNetlinkMessages(buffer, snapshot));
+  ASSERT_EQ(snapshot.interfaces.size(), 1u);
+  EXPECT_EQ(snapshot.interfaces[0].flags, kUp);
+}
+
+TEST(NetlinkMessages, ErrorsAndMalformedLengthsFailWhileAcksAndTruncatedTailsDoNot) {
+  NetworkSnapshot snapshot;
+  Bytes error;
+  nlmsgerr e{};
+  e.error = -EPERM;
+  appendMessage(error, NLMSG_ERROR, e);
+  EXPECT_FALSE(addNetlinkMessages(error, snapshot));
+
+  Bytes ack;
+  e.error = 0;
+  appendMessage(ack, NLMSG_ERROR, e);
+  appendLink(ack, 4, "eth1", kUp, ARPHRD_ETHER);
+  EXPECT_TRUE(addNetlinkMessages(ack, snapshot));
+  EXPECT_EQ(snapshot.interfaces.size(), 1u);
+
+  Bytes malformed;
+  appendLink(malformed, 5, "eth2", kUp, ARPHRD_ETHER);
+  nlmsghdr tiny{};
+  tiny.nlmsg_len = 4;  // shorter than a header
+  Bytes tail = bytesOf(tiny);
+  malformed.insert(malformed.end(), tail.begin(), tail.end());
+  EXPECT_FALSE(addNetlinkMessages(malformed, snapshot));
+
+  Bytes truncated;
+  appendLink(truncated, 6, "eth3", kUp, ARPHRD_ETHER);
+  truncated.resize(truncated.size() - 3);  // the message claims more than there is
+  NetworkSnapshot partial;
+  EXPECT_TRUE(addNetlinkMessages(truncated, partial));
+  EXPECT_TRUE(partial.interfaces.empty());
+
+  // An attribute whose length runs past its message ends the attribute walk.
+  Bytes badAttribute;
+  ifinfomsg info{};
+  info.ifi_index = 7;
+  rtattr overlong{200, IFLA_IFNAME};
+  appendMessage(badAttribute, RTM_NEWLINK, info, {bytesOf(overlong)});
+  NetworkSnapshot unnamed;
+  EXPECT_TRUE(addNetlinkMessages(badAttribute, unnamed));
+  ASSERT_EQ(unnamed.interfaces.size(), 1u);
+  EXPECT_EQ(unnamed.interfaces[0].name, "");
+}
+
+// --- the live machine, read only
+
+TEST(NetworkSnapshotLive, TheLoopbackInterfaceIsSeen) {
+  auto snapshot = readNetworkSnapshot();
+  ASSERT_TRUE(snapshot.has_value());
+  const NetworkInterface* loopback = nullptr;
+  for (const auto& i : snapshot->interfaces) {
+    if (i.name == "lo") loopback = &i;
+  }
+  ASSERT_NE(loopback, nullptr);
+  EXPECT_EQ(loopback->type, ARPHRD_LOOPBACK);
+  EXPECT_EQ(loopback->index, static_cast<int>(if_nametoindex("lo")));
+}
+
+TEST(LinuxReachabilityService, MakesHandlesForTheZeroAddressOnly) {
+  LinuxReachability service;
+  auto handle = service.handleForAddress(SocketAddress::zeroIPv4());
+  ASSERT_NE(handle, nullptr);
+  auto flags = handle->currentFlags();
+  ASSERT_TRUE(flags.has_value());
+  EXPECT_EQ(*flags & ~(flag::kReachable | flag::kIsWWAN), 0u);
+
+  SocketAddress other;
+  other.address = 0x7f000001;
+  EXPECT_EQ(service.handleForAddress(other), nullptr);
+  EXPECT_EQ(service.handleForHostname("example.com"), nullptr);
+}
+
+TEST(LinuxReachabilityService, TheMonitorTellsWhyItCannotMakeANamedTarget) {
+  auto bundle = makeLinuxPlatform();
+  installPlatform(bundle.platform);
+  auto named = H5Reachability::makeForHostname("example.com");
+  ASSERT_FALSE(named.ok());
+  EXPECT_EQ(named.error(), ReachabilityError::failedToCreateWithHostname("example.com"));
+
+  auto internet = H5Reachability::makeForInternet();
+  ASSERT_TRUE(internet.ok());
+  auto monitor = internet.value();
+  EXPECT_EQ(monitor->startNotifier(), std::nullopt);
+  EXPECT_TRUE(monitor->notifierRunning());
+  auto* handle = dynamic_cast<LinuxReachabilityHandle*>(monitor->reachabilityRef().get());
+  ASSERT_NE(handle, nullptr);
+  EXPECT_TRUE(handle->monitoring());
+  EXPECT_TRUE(monitor->flags().has_value());
+  monitor->stopNotifier();
+  EXPECT_FALSE(handle->monitoring());
+  monitor.reset();
+  internet = ReachabilityResult(ReachabilityError{});
+  bundle.loop->runUntilIdle();  // the initial change step posted to the main queue
+  installPlatform(nullptr);
+}
+
+TEST(LinuxReachabilityService, StartingAndStoppingTheMonitorLeaksNoDescriptorOrThread) {
+  LinuxDispatch dispatch;
+  auto queue = dispatch.makeSerialQueue("com.vantu.test.reachability");
+  queue->sync([] {});  // its worker thread exists before counting
+  LinuxReachability service;
+  auto handle = std::dynamic_pointer_cast<LinuxReachabilityHandle>(service.handleForAddress(SocketAddress::zeroIPv4()));
+  ASSERT_NE(handle, nullptr);
+
+  auto files = countOpenFiles();
+  auto threads = countThreads();
+  for (int i = 0; i < 200; ++i) {
+    ASSERT_TRUE(handle->setCallback([](ReachabilityFlags) {}));
+    ASSERT_FALSE(handle->monitoring());  // no queue yet
+    ASSERT_TRUE(handle->setDispatchQueue(queue));
+    ASSERT_TRUE(handle->monitoring());
+    if (i % 50 == 0) {
+      EXPECT_EQ(countOpenFiles(), files + 2);  // the change socket and its wake-up descriptor
+      EXPECT_LE(threadsSettledAtMost(threads + 1), threads + 1);
+    }
+    // Alternate which detach stops the monitor.
+    if (i % 2) {
+      ASSERT_TRUE(handle->setCallback({}));
+      ASSERT_FALSE(handle->monitoring());
+      ASSERT_TRUE(handle->setDispatchQueue(nullptr));
+    } else {
+      ASSERT_TRUE(handle->setDispatchQueue(nullptr));
+      ASSERT_FALSE(handle->monitoring());
+      ASSERT_TRUE(handle->setCallback({}));
+    }
+  }
+  EXPECT_EQ(countOpenFiles(), files);
+  EXPECT_LE(threadsSettledAtMost(threads), threads);
+
+  // Dropping a handle that is still monitoring stops it too.
+  ASSERT_TRUE(handle->setCallback([](ReachabilityFlags) {}));
+  ASSERT_TRUE(handle->setDispatchQueue(queue));
+  handle.reset();
+  EXPECT_EQ(countOpenFiles(), files);
+  EXPECT_LE(threadsSettledAtMost(threads), threads);
+}
+
+}  // namespace
+}  // namespace vantu::linux_platform

@@ -1,0 +1,237 @@
+// The access tracker and the data store on the real SQLite store: reading,
+// writing, removing, tracking, migration and clearing.
+
+#include "tests/storage/storage_fixture.h"
+#include "vantu/core/laizaxlu.h"
+#include "vantu/storage/secure_string_hasher.h"
+
+namespace vantu::testing_support {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class AccessTracker : public StorageFixture {};
+
+TEST_F(AccessTracker, ListsNewAndOldNamesAndClearsEveryNameWithAnUnderscore) {
+  UserDefaultsAccessTracker tracker{std::string(UserDefaultsAccessTracker::kSuiteName)};
+  tracker.trackAccessFor("x_flh5");
+  tracker.trackAccessFor("abc_1");
+  tracker.trackAccessFor("plain");
+  tracker.trackAccessFor("abc_1");
+  EXPECT_EQ(tracker.getAllDomainsNew(), Strings{"x_flh5"});
+  EXPECT_EQ(tracker.getAllDomainsOld(), (Strings{"abc_1", "x_flh5"}));
+  EXPECT_EQ(tracker.getAllKeysIncludingMeta(), (Strings{"abc_1", "plain", "x_flh5"}));
+  tracker.clearDomains();
+  EXPECT_EQ(tracker.getAllKeysIncludingMeta(), Strings{"plain"});
+  EXPECT_EQ(*suite("_bedhjwbde33_Access_Tracking")->get("plain").value(), PreferenceValue(true));
+}
+
+TEST_F(AccessTracker, IsInertWhenItsSuiteCannotBeOpened) {
+  UserDefaultsAccessTracker tracker{""};  // a name the store refuses
+  tracker.trackAccessFor("x_flh5");
+  EXPECT_TRUE(tracker.getAllDomainsOld().empty());
+  EXPECT_TRUE(tracker.getAllDomainsNew().empty());
+  tracker.clearDomains();
+  EXPECT_EQ(tracker.userDefaults(), nullptr);
+}
+
+class DataStore : public StorageFixture {
+ protected:
+  const std::string app1 = sandboxDomainName("app1");
+  Strings tracked() { return keysOf(std::string(UserDefaultsAccessTracker::kSuiteName)); }
+};
+
+TEST_F(DataStore, AMissingKeyReadsAsEmptyTextAndEveryReadIsTracked) {
+  ASSERT_TRUE(save(app1, Dict{{"a", 1}}).success);
+  auto got = get(app1, {"a", "b", "a"});
+  EXPECT_EQ(got.calls, 1);
+  EXPECT_TRUE(got.success);
+  EXPECT_FALSE(got.error);
+  EXPECT_EQ(got.result, (Dict{{"data", Dict{{"a", 1}, {"b", ""}}}}));
+
+  auto empty = sandboxDomainName("never.saved");
+  EXPECT_TRUE(get(empty, {"k"}).success);
+  EXPECT_EQ(tracked(), (Strings{std::min(app1, empty), std::max(app1, empty)}));
+}
+
+TEST_F(DataStore, SavedValuesKeepTheirKindsThroughTheStore) {
+  Dict data{{"s", "text"}, {"i", 1}, {"d", 1.0}, {"b", true}, {"n", nullptr}, {"bytes", Bytes{{1, 2}}},
+            {"arr", Array{1, "1", 1.5, false}}, {"obj", Dict{{"z", 1}, {"a", Dict{{"q", Array{}}}}}}};
+  ASSERT_TRUE(save(app1, data).success);
+  auto got = get(app1, {"s", "i", "d", "b", "n", "bytes", "arr", "obj"});
+  ASSERT_TRUE(got.success);
+  EXPECT_EQ(*got.result.getDict("data"), data);
+  auto stored = *got.result.getDict("data");
+  EXPECT_TRUE(stored.find("d")->isDouble());
+  EXPECT_TRUE(stored.find("i")->isInt());
+}
+
+TEST_F(DataStore, DatesStoredByNativeCodeReadAsIsoText) {
+  ASSERT_TRUE(suite(app1)->set("when", PreferenceDate{1714552200.25}).ok());
+  EXPECT_EQ(get(app1, {"when"}).result, (Dict{{"data", Dict{{"when", "2024-05-01T08:30:00.250Z"}}}}));
+}
+
+TEST_F(DataStore, SavingNothingSucceedsAndTracksAndRemovingAnAbsentKeySucceeds) {
+  auto saved = save(app1, Dict{});
+  EXPECT_EQ(saved.calls, 1);
+  EXPECT_TRUE(saved.success);
+  EXPECT_EQ(tracked(), Strings{app1});
+  auto removed = remove(sandboxDomainName("other"), {"never-set"});
+  EXPECT_TRUE(removed.success);
+  EXPECT_EQ(tracked().size(), 2u);
+}
+
+TEST_F(DataStore, OperationsRunInSubmissionOrder) {
+  std::vector<std::string> order;
+  store()->saveData(app1, Dict{{"k", 1}}, [&](bool, std::optional<PlatformError>) { order.push_back("save"); });
+  store()->getData(app1, {"k"}, [&](bool, std::optional<PlatformError>, Dict result) {
+    order.push_back("get " + json::write(result));
+  });
+  store()->removeData(app1, {"k"}, [&](bool, std::optional<PlatformError>) { order.push_back("remove"); });
+  store()->getData(app1, {"k"}, [&](bool, std::optional<PlatformError>, Dict result) {
+    order.push_back("get " + json::write(result));
+  });
+  EXPECT_TRUE(order.empty());  // nothing runs before the queue does
+  settle();
+  EXPECT_EQ(order, (Strings{"save", R"(get {"data":{"k":1}})", "remove", R"(get {"data":{"k":""}})"}));
+}
+
+TEST_F(DataStore, WorkQueuedByAStoreThatIsGoneNeverCompletes) {
+  int calls = 0;
+  auto own = UserDefaultsDataStoreImpl::make();
+  EXPECT_EQ(own->serialbackgroundQueue()->label(), "com.vantu.UserDefaultsOpsProcessing");
+  own->saveData(app1, Dict{{"k", 1}}, [&](bool, std::optional<PlatformError>) { ++calls; });
+  own.reset();
+  settle();
+  EXPECT_EQ(calls, 0);
+  EXPECT_FALSE(suite(app1)->get("k").value().has_value());
+}
+
+TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreError) {
+  // Names over the store's cap are refused, as a damaged store would be.
+  std::string refused(300, 'x');
+  auto got = get(refused, {"a"});
+  EXPECT_FALSE(got.success);
+  ASSERT_TRUE(got.error);
+  EXPECT_EQ(*got.error, storeError());
+  EXPECT_EQ(got.error->domain, "h5-ios");
+  EXPECT_EQ(got.error->code, 0);
+  EXPECT_EQ(got.error->localizedDescription, "User Defaults could not be initialized");
+  EXPECT_TRUE(got.result.find("error"));
+  auto saved = save(refused, Dict{{"a", 1}});
+  EXPECT_FALSE(saved.success);
+  EXPECT_EQ(saved.error, storeError());
+  EXPECT_EQ(remove(refused, {"a"}).error, storeError());
+  EXPECT_TRUE(tracked().empty());
+}
+
+class Migration : public DataStore {
+ protected:
+  void migrate() {
+    Laizaxlu::shared().performSandboxMigration();
+    settle();
+  }
+  void oldDomain(const std::string& name, Dict values) {
+    PreferenceValue::Map entries;
+    for (const auto& [key, value] : values) entries.emplace_back(*key.string(), PreferenceValue::fromValue(value));
+    ASSERT_TRUE(suite(name)->set(std::move(entries)).ok());
+    UserDefaultsAccessTracker tracker{std::string(UserDefaultsAccessTracker::kSuiteName)};
+    tracker.trackAccessFor(name);
+  }
+  bool flagSet() {
+    auto flag = preferences().standard()->get("h5_data_snd_box_mig");
+    return flag.ok() && flag.value() && *flag.value() == PreferenceValue(true);
+  }
+};
+
+TEST_F(Migration, MovesAnUnlistedOldDomainToTheAppIdBeforeTheFirstUnderscore) {
+  oldDomain("abc_xyz", Dict{{"k", "v"}, {"n", 2}});
+  oldDomain("_xyz", Dict{{"k", "skipped"}});
+  migrate();
+  auto target = sandboxDomainName("abc");
+  EXPECT_EQ(get(target, {"k", "n"}).result, (Dict{{"data", Dict{{"k", "v"}, {"n", 2}}}}));
+  EXPECT_TRUE(keysOf("abc_xyz").empty());
+  EXPECT_EQ(keysOf("_xyz"), Strings{"k"});
+  auto trackedNames = tracked();
+  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), "abc_xyz"), 0);
+  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), target), 1);
+  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), "_xyz"), 1);
+  EXPECT_TRUE(flagSet());
+}
+
+TEST_F(Migration, UsesTheWhitelistReverseIndexWhenItKnowsTheName) {
+  Laizaxlu::shared().setupWhiteListAppData({{"shop.app", "shop_domain"}, {"other", "x"}});
+  oldDomain("shop_domain", Dict{{"k", 1}});
+  migrate();
+  EXPECT_EQ(keysOf(sandboxDomainName("shop.app")), Strings{"k"});
+  EXPECT_TRUE(keysOf(sandboxDomainName("shop")).empty());
+}
+
+TEST_F(Migration, RunsOnceAndNotAtAllWhenTheFlagIsAlreadySet) {
+  ASSERT_TRUE(preferences().standard()->set("h5_data_snd_box_mig", true).ok());
+  oldDomain("abc_xyz", Dict{{"k", "v"}});
+  migrate();
+  EXPECT_EQ(keysOf("abc_xyz"), Strings{"k"});
+  EXPECT_TRUE(keysOf(sandboxDomainName("abc")).empty());
+}
+
+TEST_F(Migration, SetsTheFlagWithNothingToMoveAndDoesNotMoveLaterDomains) {
+  migrate();
+  EXPECT_TRUE(flagSet());
+  oldDomain("late_one", Dict{{"k", 1}});
+  migrate();
+  EXPECT_EQ(keysOf("late_one"), Strings{"k"});
+}
+
+TEST_F(Migration, OverwritesKeysTheNewDomainAlreadyHas) {
+  // Written without tracking (tracked hashed names are migrated too, below).
+  ASSERT_TRUE(suite(sandboxDomainName("abc"))->set(PreferenceValue::Map{{"k", "new"}, {"keep", 1}}).ok());
+  oldDomain("abc_old", Dict{{"k", "old"}});
+  migrate();
+  EXPECT_EQ(get(sandboxDomainName("abc"), {"k", "keep"}).result, (Dict{{"data", Dict{{"k", "old"}, {"keep", 1}}}}));
+}
+
+TEST_F(Migration, ATrackedHashedDomainIsTakenForAnOldOneAndMovedToTheHashOfItsDigits) {
+  auto hashed = sandboxDomainName("early.app");
+  ASSERT_TRUE(save(hashed, Dict{{"k", 1}}).success);
+  migrate();
+  EXPECT_TRUE(keysOf(hashed).empty());
+  EXPECT_EQ(keysOf(sandboxDomainName(hashed.substr(0, 40))), Strings{"k"});
+}
+
+class Clearing : public DataStore {};
+
+TEST_F(Clearing, KeepsExemptedDataButForgetsEveryTrackedDomain) {
+  for (auto id : {"app1", "app2", "app3"}) ASSERT_TRUE(save(sandboxDomainName(id), Dict{{"k", id}}).success);
+  UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_name");
+  Laizaxlu::shared().clearAppSandbox(Dict{{"app1", "ignored value"}});
+  settle();
+  EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
+  EXPECT_TRUE(keysOf(sandboxDomainName("app2")).empty());
+  EXPECT_TRUE(keysOf(sandboxDomainName("app3")).empty());
+  EXPECT_TRUE(tracked().empty());
+
+  // Untracked now, app1's data survives the next full clearing...
+  Laizaxlu::shared().clearAppSandbox();
+  settle();
+  EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
+  // ...until the page touches it again.
+  get(sandboxDomainName("app1"), {"k"});
+  Laizaxlu::shared().clearAppSandbox(std::nullopt);
+  settle();
+  EXPECT_TRUE(keysOf(sandboxDomainName("app1")).empty());
+}
+
+TEST_F(Clearing, LeavesUntrackedAndOldStyleDataOnDisk) {
+  ASSERT_TRUE(suite("legacy_domain")->set("k", 1).ok());
+  UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_domain");
+  ASSERT_TRUE(suite(sandboxDomainName("untracked"))->set("k", 1).ok());
+  Laizaxlu::shared().clearAppSandbox();
+  settle();
+  EXPECT_EQ(keysOf("legacy_domain"), Strings{"k"});
+  EXPECT_EQ(keysOf(sandboxDomainName("untracked")), Strings{"k"});
+  EXPECT_TRUE(tracked().empty());
+}
+
+}  // namespace
+}  // namespace vantu::testing_support

@@ -1,0 +1,108 @@
+// A completed save survives the process being killed at any moment: a child
+// saves through the store and reports each completed save on a pipe; the
+// parent kills it with SIGKILL at random moments, reopens the database and
+// looks for every reported save.
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <random>
+#include <thread>
+
+#include "platforms/store/sqlite_preferences.h"
+#include "vantu/storage/secure_string_hasher.h"
+
+namespace vantu {
+namespace {
+
+struct Reported {
+  std::vector<std::int64_t> saves;
+  std::string partial;
+  void feed(const char* data, std::size_t size) {
+    partial.append(data, size);
+    std::size_t newline;
+    while ((newline = partial.find('\n')) != std::string::npos) {
+      saves.push_back(std::stoll(partial.substr(0, newline)));
+      partial.erase(0, newline + 1);
+    }
+  }
+};
+
+TEST(Durability, EveryReportedSaveSurvivesSigkill) {
+  std::string pattern = (std::filesystem::temp_directory_path() / "vantu-durability-XXXXXX").string();
+  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+  std::filesystem::path dir = pattern;
+  auto seed = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<int> killAfterMicros(0, 50000);
+  const std::string domain = sandboxDomainName("durable.app");
+
+  constexpr int kCycles = 100;
+  std::size_t totalReported = 0, totalLost = 0, emptyCycles = 0;
+  for (int cycle = 0; cycle < kCycles; ++cycle) {
+    int pipeFds[2];
+    ASSERT_EQ(pipe(pipeFds), 0);
+    std::string prefix = "c" + std::to_string(cycle) + "_";
+    pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      close(pipeFds[0]);
+      std::string fd = std::to_string(pipeFds[1]);
+      execl(VANTU_DURABILITY_CHILD, VANTU_DURABILITY_CHILD, dir.c_str(), fd.c_str(), prefix.c_str(),
+            static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    close(pipeFds[1]);
+    // Kill at a random moment after the first completed save, so that every
+    // cycle dies while saving whatever the start-up time of the child.
+    Reported reported;
+    char buffer[4096];
+    ssize_t got;
+    pollfd ready{pipeFds[0], POLLIN, 0};
+    while (reported.saves.empty() && poll(&ready, 1, 20000) > 0 &&
+           (got = read(pipeFds[0], buffer, sizeof buffer)) > 0) {
+      reported.feed(buffer, static_cast<std::size_t>(got));
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(killAfterMicros(random)));
+    ASSERT_EQ(kill(child, SIGKILL), 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child ended by itself with status " << status;
+    // Everything the child wrote before it died is still in the pipe.
+    while ((got = read(pipeFds[0], buffer, sizeof buffer)) > 0) reported.feed(buffer, static_cast<std::size_t>(got));
+    close(pipeFds[0]);
+
+    store::SqlitePreferences reopened(store::SqlitePreferencesOptions{dir, {}});
+    auto suite = reopened.suite(domain);
+    ASSERT_TRUE(suite) << "cycle " << cycle;
+    std::vector<std::string> keys;
+    for (auto n : reported.saves) keys.push_back(prefix + std::to_string(n));
+    auto values = suite->get(keys);
+    ASSERT_TRUE(values.ok()) << values.error().message;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (!values.value()[i] || *values.value()[i] != PreferenceValue(reported.saves[i])) {
+        ++totalLost;
+        ADD_FAILURE() << "cycle " << cycle << ": reported save " << keys[i] << " is missing";
+      }
+    }
+    totalReported += reported.saves.size();
+    if (reported.saves.empty()) ++emptyCycles;
+    ASSERT_FALSE(reported.saves.empty()) << "cycle " << cycle << ": the child reported no save";
+  }
+  std::printf("durability: %d kill cycles (seed %u), %zu reported saves, %zu lost, %zu cycles "
+              "without a report\n",
+              kCycles, seed, totalReported, totalLost, emptyCycles);
+  EXPECT_EQ(totalLost, 0u);
+  // The kill moments must reach into the saving, not only the start-up.
+  EXPECT_GT(totalReported, 0u);
+  std::error_code ignored;
+  std::filesystem::remove_all(dir, ignored);
+}
+
+}  // namespace
+}  // namespace vantu

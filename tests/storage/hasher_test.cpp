@@ -1,0 +1,54 @@
+// SHA-1 and the sandbox domain names derived from app ids.
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "vantu/core/laizaxlu.h"
+#include "vantu/storage/secure_string_hasher.h"
+
+namespace vantu {
+namespace {
+
+TEST(SecureStringHasher, MatchesThePublishedSha1Vectors) {
+  EXPECT_EQ(SecureStringHasher::hexSHA1(""), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+  EXPECT_EQ(SecureStringHasher::hexSHA1("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_EQ(SecureStringHasher::hexSHA1("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
+            "84983e441c3bd26ebaae4aa1f95129e5e54670f1");
+  EXPECT_EQ(SecureStringHasher::hexSHA1(std::string(1000000, 'a')), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+  EXPECT_EQ(SecureStringHasher::hexSHA1("The quick brown fox jumps over the lazy dog"),
+            "2fd4e1c67a2d28fced849ee1bb76e7391b93eb12");
+}
+
+TEST(SecureStringHasher, HashesTheUtf8BytesIncludingNul) {
+  // "é" as UTF-8 (c3 a9) and a string holding a NUL byte.
+  EXPECT_EQ(SecureStringHasher::hexSHA1("\xc3\xa9"), "bf15be717ac1b080b4f1c456692825891ff5073d");
+  EXPECT_NE(SecureStringHasher::hexSHA1(std::string("a\0b", 3)), SecureStringHasher::hexSHA1("a"));
+  EXPECT_NE(SecureStringHasher::hexSHA1(std::string("a\0b", 3)), SecureStringHasher::hexSHA1("ab"));
+}
+
+TEST(SandboxDomainName, IsTheSaltedHashFollowedByTheMarker) {
+  EXPECT_EQ(sandboxDomainName("app1"), "d7e1846715332e51421237a7a34f33ccf7bb97db_flh5");
+  EXPECT_EQ(sandboxDomainName("app1"), SecureStringHasher::hexSHA1("kwbalsam_app1_kwtundra") + "_flh5");
+  EXPECT_EQ(sandboxDomainName(""), SecureStringHasher::hexSHA1("kwbalsam__kwtundra") + "_flh5");
+  EXPECT_EQ(Laizaxlu::shared().getSandboxedFileNameForUniqueAppIdentifier("app1"), sandboxDomainName("app1"));
+}
+
+TEST(SandboxDomainName, IsAlways45LowerHexCharactersAndTellsIdsApart) {
+  const std::vector<std::string> ids = {"",        "a",          "A",          "shop.mini",  "Shop.Mini",
+                                        "a_b",     "a/b",        "a\\b",       "名前アプリ", std::string("x\0y", 3),
+                                        "x",       std::string(5000, 'z'),    "kwbalsam_", "_kwtundra"};
+  std::set<std::string> names;
+  for (const auto& id : ids) {
+    auto name = sandboxDomainName(id);
+    ASSERT_EQ(name.size(), 45u) << id;
+    EXPECT_EQ(name.substr(40), "_flh5");
+    for (char c : name.substr(0, 40)) EXPECT_TRUE((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f')) << name;
+    EXPECT_EQ(name, sandboxDomainName(id));
+    names.insert(name);
+  }
+  EXPECT_EQ(names.size(), ids.size());
+}
+
+}  // namespace
+}  // namespace vantu

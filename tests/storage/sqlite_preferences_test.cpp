@@ -1,0 +1,274 @@
+// The SQLite preferences store itself: kinds, order, names, domains,
+// damaged and unreachable databases.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+#include <limits>
+
+#include "platforms/store/sqlite_preferences.h"
+
+namespace vantu::store {
+namespace {
+
+class TempDir {
+ public:
+  TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "vantu-store-test-XXXXXX").string();
+    EXPECT_NE(mkdtemp(pattern.data()), nullptr);
+    path = pattern;
+  }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  std::filesystem::path path;
+};
+
+struct Store {
+  explicit Store(const std::filesystem::path& dir)
+      : prefs(SqlitePreferencesOptions{dir, [this](std::string_view line) { logged.emplace_back(line); }}) {}
+  SqlitePreferences prefs;
+  std::vector<std::string> logged;
+};
+
+PreferenceValue sampleNested() {
+  return PreferenceValue(PreferenceValue::Map{
+      {"list", PreferenceValue(PreferenceValue::List{PreferenceValue(1), PreferenceValue(1.0), PreferenceValue(true),
+                                                     PreferenceValue("1"), PreferenceValue(PreferenceDate{1.5}),
+                                                     PreferenceValue(Bytes{{0, 255}}), PreferenceValue()})},
+      {"z", PreferenceValue(std::int64_t{-1})},
+      {"a", PreferenceValue(PreferenceValue::Map{{"deep", PreferenceValue(PreferenceValue::List{})}})},
+  });
+}
+
+TEST(SqlitePreferences, EveryKindComesBackAsTheSameKindAfterReopening) {
+  TempDir dir;
+  const std::vector<std::pair<std::string, PreferenceValue>> values = {
+      {"string", PreferenceValue("héllo\0x")},
+      {"nul", PreferenceValue(std::string("a\0b", 3))},
+      {"empty", PreferenceValue("")},
+      {"int", PreferenceValue(std::numeric_limits<std::int64_t>::min())},
+      {"intOne", PreferenceValue(1)},
+      {"doubleOne", PreferenceValue(1.0)},
+      {"negZero", PreferenceValue(-0.0)},
+      {"double", PreferenceValue(0.1)},
+      {"true", PreferenceValue(true)},
+      {"false", PreferenceValue(false)},
+      {"bytes", PreferenceValue(Bytes{{0, 1, 0, 255}})},
+      {"noBytes", PreferenceValue(Bytes{})},
+      {"date", PreferenceValue(PreferenceDate{1714552200.25})},
+      {"null", PreferenceValue()},
+      {"list", PreferenceValue(PreferenceValue::List{})},
+      {"nested", sampleNested()},
+  };
+  {
+    Store store(dir.path);
+    auto suite = store.prefs.suite("kinds");
+    ASSERT_TRUE(suite);
+    for (const auto& [key, value] : values) ASSERT_TRUE(suite->set(key, value).ok()) << key;
+    ASSERT_TRUE(suite->synchronize().ok());
+  }
+  Store store(dir.path);
+  auto suite = store.prefs.suite("kinds");
+  ASSERT_TRUE(suite);
+  for (const auto& [key, value] : values) {
+    auto read = suite->get(key);
+    ASSERT_TRUE(read.ok()) << key;
+    ASSERT_TRUE(read.value().has_value()) << key;
+    EXPECT_EQ(read.value()->kind(), value.kind()) << key;
+    EXPECT_EQ(*read.value(), value) << key;
+  }
+  auto negZero = suite->get("negZero");
+  EXPECT_TRUE(std::signbit(*negZero.value()->asDouble()));
+  EXPECT_TRUE(store.logged.empty());
+}
+
+TEST(SqlitePreferences, NaNIsKeptAsADoubleAtTopLevelAndNested) {
+  TempDir dir;
+  Store store(dir.path);
+  auto suite = store.prefs.suite("nan");
+  double nan = std::numeric_limits<double>::quiet_NaN();
+  ASSERT_TRUE(suite->set("top", PreferenceValue(nan)).ok());
+  ASSERT_TRUE(suite->set("inList", PreferenceValue(PreferenceValue::List{PreferenceValue(nan)})).ok());
+  auto top = suite->get("top").value();
+  ASSERT_TRUE(top && top->asDouble());
+  EXPECT_TRUE(std::isnan(*top->asDouble()));
+  auto inList = suite->get("inList").value();
+  ASSERT_TRUE(inList && inList->asList());
+  EXPECT_TRUE(std::isnan(*inList->asList()->front().asDouble()));
+}
+
+TEST(SqlitePreferences, DictionaryRepresentationIsInByteOrderAndSuitesAreApart) {
+  TempDir dir;
+  Store store(dir.path);
+  auto a = store.prefs.suite("a");
+  auto b = store.prefs.suite("A");
+  ASSERT_TRUE(a->set(PreferenceValue::Map{{"b", 2}, {"a", 1}, {"B", 3}, {"é", 4}, {"", 5}}).ok());
+  ASSERT_TRUE(b->set("only", "b").ok());
+  auto all = a->dictionaryRepresentation();
+  ASSERT_TRUE(all.ok());
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : all.value()) keys.push_back(key);
+  EXPECT_EQ(keys, (std::vector<std::string>{"", "B", "a", "b", "é"}));
+  EXPECT_EQ(a->keys().value(), keys);
+  EXPECT_EQ(b->keys().value(), std::vector<std::string>{"only"});
+  EXPECT_FALSE(a->get("only").value().has_value());
+}
+
+TEST(SqlitePreferences, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether) {
+  TempDir dir;
+  Store store(dir.path);
+  auto suite = store.prefs.suite("batch");
+  ASSERT_TRUE(suite->set(PreferenceValue::Map{{"k", 1}, {"k", "two"}, {"x", true}}).ok());
+  EXPECT_EQ(*suite->get("k").value(), PreferenceValue("two"));
+  auto many = suite->get(std::vector<std::string>{"x", "missing", "k"});
+  ASSERT_TRUE(many.ok());
+  ASSERT_EQ(many.value().size(), 3u);
+  EXPECT_EQ(*many.value()[0], PreferenceValue(true));
+  EXPECT_FALSE(many.value()[1].has_value());
+  ASSERT_TRUE(suite->remove(std::vector<std::string>{"k", "never"}).ok());
+  EXPECT_EQ(suite->keys().value(), std::vector<std::string>{"x"});
+}
+
+TEST(SqlitePreferences, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
+  TempDir dir;
+  Store store(dir.path);
+  EXPECT_FALSE(store.prefs.suite(""));
+  EXPECT_FALSE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes + 1, 'x')));
+  EXPECT_FALSE(store.prefs.suite(std::string("a\0b", 3)));
+  EXPECT_FALSE(store.prefs.removePersistentDomain(""));
+  EXPECT_TRUE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes, 'x')));
+  for (std::string name : {"a/b", "../x", "名前", "_", "with space", "'; DROP TABLE suites; --"}) {
+    auto suite = store.prefs.suite(name);
+    ASSERT_TRUE(suite) << name;
+    ASSERT_TRUE(suite->set("k", name).ok()) << name;
+  }
+  EXPECT_EQ(*store.prefs.suite("a/b")->get("k").value(), PreferenceValue("a/b"));
+  EXPECT_EQ(*store.prefs.suite("'; DROP TABLE suites; --")->get("k").value(),
+            PreferenceValue("'; DROP TABLE suites; --"));
+}
+
+TEST(SqlitePreferences, RemovingADomainEmptiesItForOpenHandlesAndLeavesOthers) {
+  TempDir dir;
+  Store store(dir.path);
+  auto gone = store.prefs.suite("gone");
+  auto kept = store.prefs.suite("kept");
+  ASSERT_TRUE(gone->set("k", 1).ok());
+  ASSERT_TRUE(kept->set("k", 2).ok());
+  EXPECT_TRUE(store.prefs.removePersistentDomain("gone"));
+  EXPECT_TRUE(store.prefs.removePersistentDomain("never-existed"));
+  EXPECT_TRUE(gone->keys().value().empty());
+  EXPECT_EQ(*kept->get("k").value(), PreferenceValue(2));
+  ASSERT_TRUE(gone->set("again", 3).ok());  // a write recreates it
+  EXPECT_EQ(store.prefs.suite("gone")->keys().value(), std::vector<std::string>{"again"});
+}
+
+TEST(SqlitePreferences, StandardSuiteIsSeparateFromEveryNamedSuite) {
+  TempDir dir;
+  Store store(dir.path);
+  auto standard = store.prefs.standard();
+  ASSERT_TRUE(standard);
+  ASSERT_TRUE(standard->set("flag", true).ok());
+  EXPECT_FALSE(store.prefs.suite("x")->get("flag").value().has_value());
+  EXPECT_EQ(*store.prefs.standard()->get("flag").value(), PreferenceValue(true));
+}
+
+TEST(SqlitePreferences, UsesAWriteAheadLog) {
+  TempDir dir;
+  Store store(dir.path);
+  ASSERT_TRUE(store.prefs.suite("x")->set("k", 1).ok());
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open_v2(store.prefs.databasePath().c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
+  sqlite3_stmt* stmt = nullptr;
+  ASSERT_EQ(sqlite3_prepare_v2(db, "PRAGMA journal_mode", -1, &stmt, nullptr), SQLITE_OK);
+  ASSERT_EQ(sqlite3_step(stmt), SQLITE_ROW);
+  EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)), "wal");
+  sqlite3_finalize(stmt);
+  sqlite3_close(db);
+}
+
+TEST(SqlitePreferences, AFileThatIsNoDatabaseRefusesSuitesAndLogsOnce) {
+  TempDir dir;
+  {
+    std::ofstream garbage(dir.path / std::string(SqlitePreferences::kFileName), std::ios::binary);
+    for (int i = 0; i < 4096; ++i) garbage.put(static_cast<char>(i * 7));
+  }
+  Store store(dir.path);
+  EXPECT_FALSE(store.prefs.suite("x"));
+  EXPECT_FALSE(store.prefs.standard());
+  EXPECT_FALSE(store.prefs.removePersistentDomain("x"));
+  ASSERT_EQ(store.logged.size(), 1u);
+  EXPECT_NE(store.logged[0].find("preferences.sqlite3"), std::string::npos) << store.logged[0];
+}
+
+TEST(SqlitePreferences, ADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
+  TempDir dir;
+  Store store(dir.path);
+  auto suite = store.prefs.suite("x");
+  PreferenceValue::Map many;
+  for (int i = 0; i < 2000; ++i) many.emplace_back("key" + std::to_string(i), std::string(100, 'v'));
+  ASSERT_TRUE(suite->set(std::move(many)).ok());
+  ASSERT_TRUE(suite->synchronize().ok());
+  // Checkpoint so the pages live in the main file, then overwrite them.
+  {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(store.prefs.databasePath().c_str(), &db), SQLITE_OK);
+    sqlite3_exec(db, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
+    sqlite3_close(db);
+    std::fstream file(store.prefs.databasePath(), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(4096 * 2);
+    for (int i = 0; i < 4096 * 20; ++i) file.put(static_cast<char>(0xA5));
+  }
+  // A fresh store sees the damage when it reads.
+  Store fresh(dir.path);
+  auto damaged = fresh.prefs.suite("x");
+  int failures = 0;
+  if (!damaged) {
+    ++failures;
+  } else {
+    if (!damaged->dictionaryRepresentation().ok()) ++failures;
+    if (!damaged->keys().ok()) ++failures;
+    if (!damaged->set("new", 1).ok()) ++failures;
+  }
+  EXPECT_GT(failures, 0);
+  EXPECT_EQ(fresh.logged.size(), 1u);
+}
+
+TEST(SqlitePreferences, ADirectoryThatCannotExistRefusesSuites) {
+  TempDir dir;
+  std::ofstream(dir.path / "plain-file") << "not a directory";
+  Store store(dir.path / "plain-file" / "data");
+  EXPECT_FALSE(store.prefs.suite("x"));
+  EXPECT_FALSE(store.prefs.standard());
+  EXPECT_EQ(store.logged.size(), 1u);
+}
+
+TEST(SqlitePreferences, AReadOnlyDirectoryRefusesSuites) {
+  if (geteuid() == 0) GTEST_SKIP() << "file modes do not bind root; the plain-file parent case covers this";
+  TempDir dir;
+  auto readOnly = dir.path / "ro";
+  std::filesystem::create_directory(readOnly);
+  std::filesystem::permissions(readOnly, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
+  Store store(readOnly);
+  EXPECT_FALSE(store.prefs.suite("x"));
+  std::filesystem::permissions(readOnly, std::filesystem::perms::owner_all);
+}
+
+TEST(SqlitePreferences, DecoderRejectsTruncatedTrailingAndUnknownBytes) {
+  std::string encoded = encodePreferenceValue(sampleNested());
+  ASSERT_EQ(decodePreferenceValue(encoded), sampleNested());
+  for (std::size_t cut = 0; cut < encoded.size(); ++cut) {
+    EXPECT_FALSE(decodePreferenceValue(std::string_view(encoded).substr(0, cut))) << cut;
+  }
+  EXPECT_FALSE(decodePreferenceValue(encoded + "n"));
+  EXPECT_FALSE(decodePreferenceValue("?"));
+  // A huge count with no items behind it.
+  EXPECT_FALSE(decodePreferenceValue(std::string("a\xff\xff\xff\xff\x0f", 6)));
+}
+
+}  // namespace
+}  // namespace vantu::store

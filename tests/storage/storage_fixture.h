@@ -1,0 +1,122 @@
+#pragma once
+// Storage tests run on the simulated device (virtual dispatch) with the
+// real SQLite preferences store in a fresh temporary directory.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platforms/sim/sim_device.h"
+#include "vantu/core/view_controller_context.h"
+#include "vantu/runtime/bridge_registry.h"
+#include "vantu/runtime/shared_state.h"
+#include "vantu/storage/user_defaults_data_store_impl.h"
+#include "vantu/value/json.h"
+
+namespace vantu {
+
+// Readable failure messages for values.
+inline void PrintTo(const Value& value, std::ostream* os) { *os << json::write(value); }
+inline void PrintTo(const Dict& dict, std::ostream* os) { *os << json::write(dict); }
+
+}  // namespace vantu
+
+namespace vantu::testing_support {
+
+struct GetOutcome {
+  int calls = 0;
+  bool success = false;
+  std::optional<PlatformError> error;
+  Dict result;
+};
+
+struct Outcome {
+  int calls = 0;
+  bool success = false;
+  std::optional<PlatformError> error;
+};
+
+class StorageFixture : public ::testing::Test {
+ protected:
+  void SetUp() override { device.install(); }
+  void TearDown() override { resetSharedStateForTesting(); }
+
+  void settle() { device.dispatch().runReady(); }
+  Preferences& preferences() { return *platform().preferences; }
+  std::shared_ptr<PreferenceSuite> suite(const std::string& name) { return preferences().suite(name); }
+  std::shared_ptr<UserDefaultsDataStoreImpl> store() { return UserDefaultsDataStoreImpl::shared(); }
+
+  GetOutcome get(const std::string& domain, std::vector<std::string> keys) {
+    GetOutcome outcome;
+    store()->getData(domain, std::move(keys), [&](bool success, std::optional<PlatformError> error, Dict result) {
+      ++outcome.calls;
+      outcome.success = success;
+      outcome.error = std::move(error);
+      outcome.result = std::move(result);
+    });
+    settle();
+    return outcome;
+  }
+
+  Outcome save(const std::string& domain, Dict data) {
+    Outcome outcome;
+    store()->saveData(domain, std::move(data), [&](bool success, std::optional<PlatformError> error) {
+      ++outcome.calls;
+      outcome.success = success;
+      outcome.error = std::move(error);
+    });
+    settle();
+    return outcome;
+  }
+
+  Outcome remove(const std::string& domain, std::vector<std::string> keys) {
+    Outcome outcome;
+    store()->removeData(domain, std::move(keys), [&](bool success, std::optional<PlatformError> error) {
+      ++outcome.calls;
+      outcome.success = success;
+      outcome.error = std::move(error);
+    });
+    settle();
+    return outcome;
+  }
+
+  /// Every key of a suite (empty when it cannot be opened).
+  std::vector<std::string> keysOf(const std::string& name) {
+    auto s = suite(name);
+    if (!s) return {};
+    auto keys = s->keys();
+    return keys.ok() ? keys.value() : std::vector<std::string>{};
+  }
+
+  /// A screen carrying `appId` (none when nullopt).
+  static std::shared_ptr<ViewController> screenOf(std::optional<std::string> appId) {
+    auto vc = std::make_shared<ViewController>();
+    if (appId) setUniqueAppIdentifier(*vc, std::move(appId));
+    return vc;
+  }
+
+  /// Calls a bridge from `vc` and settles; every answer in order.
+  std::vector<Value> call(std::string_view bridge, Dict data, std::shared_ptr<ViewController> vc) {
+    std::vector<Value> answers;
+    {
+      BridgeRegistry registry;
+      registerAllBridges(registry);
+      registry.dispatch(bridge, H5HandlerInputParams(std::move(vc), std::move(data),
+                                                     [&](const Value& answer) { answers.push_back(answer); }));
+      registry_.push_back(std::move(registry));  // keeps the handlers alive until the test ends
+    }
+    settle();
+    return answers;
+  }
+
+  sim::SimDevice device;
+  std::vector<BridgeRegistry> registry_;
+};
+
+}  // namespace vantu::testing_support
