@@ -27,7 +27,7 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
   platform->console = std::make_shared<StreamConsole>();
   platform->device = std::make_shared<LinuxDeviceFacts>(std::move(facts));
   platform->images = nullptr;
-  platform->notificationCenter = std::make_shared<LinuxNotificationCenter>();
+  platform->notificationCenter = std::make_shared<BasicNotificationCenter>();
   platform->reachability = std::make_shared<LinuxReachability>();
   if (!options.dataDirectory.empty()) {
     platform->preferences =

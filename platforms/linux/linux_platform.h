@@ -16,7 +16,7 @@
 
 #include "platforms/linux/linux_device_facts.h"
 #include "platforms/linux/linux_dispatch.h"
-#include "platforms/linux/linux_notification_center.h"
+#include "vantu/platform/basic_notification_center.h"
 #include "platforms/linux/linux_reachability.h"
 #include "vantu/platform/platform.h"
 

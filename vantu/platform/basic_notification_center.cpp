@@ -1,13 +1,13 @@
-#include "platforms/linux/linux_notification_center.h"
+#include "vantu/platform/basic_notification_center.h"
 
-namespace vantu::linux_platform {
+namespace vantu {
 
-std::size_t LinuxNotificationCenter::observerCount() const {
+std::size_t BasicNotificationCenter::observerCount() const {
   std::lock_guard lock(mutex_);
   return observers_.size();
 }
 
-void LinuxNotificationCenter::insertObserver(std::uint64_t id, std::string name, Observer observer) {
+void BasicNotificationCenter::insertObserver(std::uint64_t id, std::string name, Observer observer) {
   auto entry = std::make_shared<Entry>();
   entry->id = id;
   entry->name = std::move(name);
@@ -16,7 +16,7 @@ void LinuxNotificationCenter::insertObserver(std::uint64_t id, std::string name,
   observers_.push_back(std::move(entry));
 }
 
-void LinuxNotificationCenter::removeObserver(std::uint64_t id) {
+void BasicNotificationCenter::removeObserver(std::uint64_t id) {
   std::shared_ptr<Entry> removed;  // its observer is destroyed outside the lock
   std::lock_guard lock(mutex_);
   std::erase_if(observers_, [&](const auto& entry) {
@@ -27,7 +27,7 @@ void LinuxNotificationCenter::removeObserver(std::uint64_t id) {
   });
 }
 
-void LinuxNotificationCenter::deliver(const Notification& notification) {
+void BasicNotificationCenter::deliver(const Notification& notification) {
   std::vector<std::shared_ptr<Entry>> matching;
   {
     std::lock_guard lock(mutex_);
@@ -40,4 +40,4 @@ void LinuxNotificationCenter::deliver(const Notification& notification) {
   }
 }
 
-}  // namespace vantu::linux_platform
+}  // namespace vantu

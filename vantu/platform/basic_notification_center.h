@@ -1,5 +1,5 @@
 #pragma once
-// A notification centre that may be used from several threads: observers
+// The notification centre of every platform, usable from several threads: observers
 // are added, removed and notified under a lock, but called outside it, on
 // the posting thread, in the order they were added. An observer may add or
 // remove observers (itself included) while it is being called.
@@ -16,9 +16,9 @@
 
 #include "vantu/platform/notification_center.h"
 
-namespace vantu::linux_platform {
+namespace vantu {
 
-class LinuxNotificationCenter : public NotificationCenter {
+class BasicNotificationCenter : public NotificationCenter {
  public:
   std::size_t observerCount() const;
 
@@ -38,4 +38,4 @@ class LinuxNotificationCenter : public NotificationCenter {
   std::vector<std::shared_ptr<Entry>> observers_;
 };
 
-}  // namespace vantu::linux_platform
+}  // namespace vantu
