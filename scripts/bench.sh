@@ -3,5 +3,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-scripts/build.sh default --target bridge_call_bench >/dev/null
-build/default/bench/bridge_call_bench --benchmark_min_time=0.2 "$@"
+scripts/build.sh default --target bridge_call_bench storage_bench >/dev/null
+echo "== bridge spine"
+build/default/bench/bridge_call_bench --benchmark_min_time=0.2
+echo "== storage"
+build/default/bench/storage_bench

@@ -13,7 +13,13 @@ const std::shared_ptr<PreferenceSuite>& UserDefaultsAccessTracker::userDefaults(
 }
 
 void UserDefaultsAccessTracker::trackAccessFor(const std::string& domain) {
-  if (const auto& suite = userDefaults()) suite->set(domain, PreferenceValue(true));
+  const auto& suite = userDefaults();
+  if (!suite) return;
+  // Presence is all that counts, so a domain tracked before costs a read,
+  // not a write transaction.
+  auto current = suite->get(domain);
+  if (current.ok() && current.value() == PreferenceValue(true)) return;
+  suite->set(domain, PreferenceValue(true));
 }
 
 std::vector<std::string> UserDefaultsAccessTracker::getAllKeysIncludingMeta() {
