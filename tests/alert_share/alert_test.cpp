@@ -26,7 +26,6 @@ TEST_F(AlertBridge, ChecksMessageThenTypeThenTheScreen) {
       {R"({"type": "normal"})", "", kNoMessage},
       {R"({"message": 5, "type": "normal"})", "page", kNoMessage},
       {R"({"message": null, "type": "normal"})", "page", kNoMessage},
-      {R"({"message": ["hi"], "type": "normal"})", "page", kNoMessage},
       {R"({"message": "hi"})", "page", kNoType},
       {R"({"message": "hi"})", "", kNoType},  // so does the type
       {R"({"message": "hi", "type": 1})", "page", kNoType},
@@ -57,12 +56,10 @@ TEST_F(AlertBridge, ShowsTheTitleMessageAndButtonsOfEachType) {
       {R"({"message": "m", "type": "normal", "title": "T", "buttons": ["Yes", "No"]})", "T", {"Ok"}},
       {R"({"message": "m", "type": "normal"})", "", {"Ok"}},
       // Any other type is "normal", deliberately without an error.
-      {R"({"message": "m", "type": "NORMAL", "buttons": ["Yes"]})", "", {"Ok"}},
       {R"({"message": "m", "type": "Custom", "buttons": ["Yes"]})", "", {"Ok"}},
       {R"({"message": "m", "type": "", "buttons": ["Yes"]})", "", {"Ok"}},
       // A custom alert without usable buttons falls back to "Ok", so it can be closed.
       {R"({"message": "m", "type": "custom"})", "", {"Ok"}},
-      {R"({"message": "m", "type": "custom", "buttons": null})", "", {"Ok"}},
       {R"({"message": "m", "type": "custom", "buttons": "Yes"})", "", {"Ok"}},
       {R"({"message": "m", "type": "custom", "buttons": ["Yes", 2]})", "", {"Ok"}},
       {R"({"message": "m", "type": "custom", "buttons": []})", "", {"Ok"}},
@@ -174,7 +171,7 @@ TEST(AlertHandlerButtons, ForEachTypeAndButtonsValue) {
 
 // The alert model, without a bridge.
 
-class AlertModel : public SimFixture {};
+class AlertModel : public BridgeTestFixture {};
 
 TEST_F(AlertModel, TapRunsTheHandlerOfThatButtonOnlyWhileTheAlertIsShown) {
   apply(R"({"screens": [{"name": "home"}]})");

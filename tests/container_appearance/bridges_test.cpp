@@ -9,7 +9,8 @@ namespace vantu {
 namespace {
 
 using testing_support::ContainerFixture;
-using Strings = std::vector<std::string>;
+using testing_support::flatError;
+using testing_support::Strings;
 
 const std::string kTrue = "true";
 

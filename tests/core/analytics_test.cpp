@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/h5_base_handler.h"
 #include "vantu/core/h5_data_providers.h"
 #include "vantu/core/laizaxlu.h"
@@ -33,7 +33,7 @@ std::string expectedEvent(std::string_view bridge, std::string_view category) {
                           {"event_category", category}});
 }
 
-using TrackDataTest = testing_support::SimFixture;
+using TrackDataTest = testing_support::BridgeTestFixture;
 
 TEST_F(TrackDataTest, ReportsOnceToTheNearestDelegateWithinTwoLevels) {
   constexpr int kNone = -1;

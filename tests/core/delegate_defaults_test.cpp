@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/h5_data_providers.h"
 #include "vantu/core/laizaxlu.h"
 
@@ -145,10 +145,10 @@ void expectDefaultFailure(const Answer& answer, const Operation& op) {
   EXPECT_EQ(answer.error->localizedFailureReason, "Running default implementation of the method: " + op.selector);
 }
 
-class DelegateDefaultsTest : public testing_support::SimFixture {
+class DelegateDefaultsTest : public testing_support::BridgeTestFixture {
  protected:
   void SetUp() override {
-    SimFixture::SetUp();
+    BridgeTestFixture::SetUp();
     caller->setName("caller");
   }
   std::shared_ptr<ViewController> caller = std::make_shared<ViewController>();

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/app_type.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/version_util.h"
@@ -14,7 +14,7 @@
 namespace vantu {
 namespace {
 
-using RegistryTest = testing_support::SimFixture;
+using RegistryTest = testing_support::BridgeTestFixture;
 
 H5HandlerInputParams collecting(std::shared_ptr<ViewController> screen, std::vector<std::string>& answers) {
   return H5HandlerInputParams(std::move(screen), Dict{},
@@ -89,7 +89,7 @@ TEST(H5OpErrorTest, DescriptionAndPayloadShapes) {
   EXPECT_EQ(json::write(payload::successFlag()), R"({"data":{"success":true}})");
 }
 
-using VersionTest = testing_support::SimFixture;
+using VersionTest = testing_support::BridgeTestFixture;
 
 TEST_F(VersionTest, AppVersionIsTheBundleShortVersionStringOrEmpty) {
   EXPECT_EQ(VersionUtil::getAppVersion(), "");

@@ -9,14 +9,14 @@
 #include <thread>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 
 namespace vantu {
 namespace {
 
 using namespace std::chrono_literals;
 
-class SimDispatchTest : public testing_support::SimFixture {
+class SimDispatchTest : public testing_support::BridgeTestFixture {
  protected:
   sim::SimDispatch& loop() { return device.dispatch(); }
   std::shared_ptr<SerialQueue> main() { return device.dispatch().main(); }

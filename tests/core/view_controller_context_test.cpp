@@ -7,13 +7,13 @@
 #include <memory>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/h5_web_view_extractor.h"
 
 namespace vantu {
 namespace {
 
-using ContextTest = testing_support::SimFixture;
+using ContextTest = testing_support::BridgeTestFixture;
 
 /// A containment chain: at(0) is the screen under test, at(1) its parent,
 /// at(2) its grandparent, at(3) its great-grandparent; below() is its child.
@@ -173,7 +173,7 @@ TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
 
 // --- Web view extraction.
 
-using WebViewExtractorTest = testing_support::SimFixture;
+using WebViewExtractorTest = testing_support::BridgeTestFixture;
 
 std::string nameOf(const std::shared_ptr<WebView>& webView) { return webView ? webView->name() : "(none)"; }
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 
 namespace vantu {
 namespace {
@@ -168,7 +168,7 @@ class HeldQueue : public SerialQueue {
   std::deque<Task> tasks_;
 };
 
-class ReachabilityMonitorTest : public testing_support::SimFixture {
+class ReachabilityMonitorTest : public testing_support::BridgeTestFixture {
  protected:
   std::shared_ptr<H5Reachability> makeMonitor(std::shared_ptr<SerialQueue> queue = nullptr) {
     auto made = H5Reachability::makeForInternet(std::move(queue));

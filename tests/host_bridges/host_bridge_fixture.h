@@ -11,18 +11,13 @@
 //   light        delegate "light", which leaves unscripted operations to the
 //                protocol default
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
-#include "vantu/runtime/bridge_registry.h"
+#include "tests/support/bridge_test_fixture.h"
 
 namespace vantu::testing_support {
-
-using Strings = std::vector<std::string>;
 
 inline constexpr std::string_view kNoContext = "Unable to get current H5 Context";
 inline constexpr std::string_view kNoListeners = "Unable to get current H5 Context Listeners";
@@ -55,36 +50,36 @@ inline constexpr FamilyBridge kFamily[] = {
      kNoListeners, "failed to track Event"},
 };
 
-/// {"error":2,"message":"<message>"} as JSON text.
-std::string flatError(std::string_view message);
+using Outcome = CallOutcome;
 
-/// What a call (or a stretch of virtual time) produced.
-struct Outcome {
-  Strings answers;    // as JSON text, in order
-  Strings reported;   // labels of the "Bridge Analytics" events
-  Strings hostCalls;  // every other scripted delegate call, as JSON text
-};
-
-class HostBridgeFixture : public SimFixture {
+class HostBridgeFixture : public BridgeTestFixture {
  protected:
-  void SetUp() override;
+  void SetUp() override {
+    BridgeTestFixture::SetUp();
+    useHost("{}");
+  }
 
   /// Re-applies the app with the delegate entries of "host" and "light" and
   /// the environment section given.
   void useHost(std::string_view hostEntry, std::string_view lightEntry = R"({"otherwise": "default"})",
-               std::string_view environment = R"({"delegate": "envHost"})");
-
-  /// Calls `bridge` from `screen` ("" for none) and runs what is due now.
-  Outcome call(std::string_view bridge, std::string_view dataJson, std::string_view screen = "page");
-  Outcome call(std::string_view bridge, Dict data, std::string_view screen = "page");
-  /// Moves virtual time forward and reports what happened meanwhile.
-  Outcome advance(double seconds);
-
-  BridgeRegistry registry;
-
- private:
-  Outcome collect();
-  Strings answers_;
+               std::string_view environment = R"({"delegate": "envHost"})") {
+    apply(R"({"delegates": {"host": )" + std::string(hostEntry) + R"(, "light": )" + std::string(lightEntry) +
+          R"(, "envHost": {}, "plain": {"kind": "object"}},
+      "environment": )" + std::string(environment) + R"(,
+      "screens": [
+        {"name": "shell", "delegate": "host", "uniqueAppIdentifier": "mini.shop",
+         "children": [{"name": "page", "children": [{"name": "frame"}]}]},
+        {"name": "bare"},
+        {"name": "plainHolder", "delegate": "plain", "uniqueAppIdentifier": "mini.plain"},
+        {"name": "anon", "delegate": "host"},
+        {"name": "top", "uniqueAppIdentifier": "mini.top",
+         "children": [{"name": "l1", "children": [{"name": "l2", "children": [{"name": "l3", "delegate": "host"}]}]}]},
+        {"name": "far", "delegate": "host",
+         "children": [{"name": "far1", "children": [{"name": "far2", "children": [{"name": "far3"}]}]}]},
+        {"name": "light", "delegate": "light", "uniqueAppIdentifier": "mini.light"}
+      ]})");
+    device.takeDelegateCalls();
+  }
 };
 
 }  // namespace vantu::testing_support

@@ -2,8 +2,6 @@
 // Storage tests run on the simulated device (virtual dispatch) with the
 // real SQLite preferences store in a fresh temporary directory.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -12,12 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "platforms/sim/sim_device.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/view_controller_context.h"
-#include "vantu/runtime/bridge_registry.h"
-#include "vantu/runtime/shared_state.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
-#include "vantu/value/json.h"
 
 namespace vantu {
 
@@ -42,12 +37,8 @@ struct Outcome {
   std::optional<PlatformError> error;
 };
 
-class StorageFixture : public ::testing::Test {
+class StorageFixture : public BridgeTestFixture {
  protected:
-  void SetUp() override { device.install(); }
-  void TearDown() override { resetSharedStateForTesting(); }
-
-  void settle() { device.dispatch().runReady(); }
   Preferences& preferences() { return *platform().preferences; }
   std::shared_ptr<PreferenceSuite> suite(const std::string& name) { return preferences().suite(name); }
   std::shared_ptr<UserDefaultsDataStoreImpl> store() { return UserDefaultsDataStoreImpl::shared(); }
@@ -115,7 +106,6 @@ class StorageFixture : public ::testing::Test {
     return answers;
   }
 
-  sim::SimDevice device;
   std::vector<BridgeRegistry> registry_;
 };
 

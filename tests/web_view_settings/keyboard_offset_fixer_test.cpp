@@ -2,7 +2,7 @@
 
 #include "vantu/container/web_view_keyboard_offset_fixer.h"
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/platform/keyboard_notifications.h"
@@ -10,7 +10,7 @@
 namespace vantu {
 namespace {
 
-class KeyboardOffsetFixerTest : public testing_support::SimFixture {
+class KeyboardOffsetFixerTest : public testing_support::BridgeTestFixture {
  protected:
   /// The keyboard is announced, then the platform scrolls the focused
   /// field into view.
@@ -158,10 +158,10 @@ TEST_F(KeyboardOffsetFixerTest, ReleasingTheFixerEndsTheObservation) {
 
 // --- Attaching through the environment.
 
-class AttachFixerTest : public testing_support::SimFixture {
+class AttachFixerTest : public testing_support::BridgeTestFixture {
  protected:
   void SetUp() override {
-    SimFixture::SetUp();
+    BridgeTestFixture::SetUp();
     apply(R"({"screens": [
       {"name": "host", "children": [
         {"name": "middle", "children": [

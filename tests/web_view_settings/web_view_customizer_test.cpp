@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/core/sim_fixture.h"
+#include "tests/support/bridge_test_fixture.h"
 #include "vantu/container/vantu_h5_web_view_customization_constants.h"
 #include "vantu/container/web_view_settings_customization_handler.h"
 #include "vantu/runtime/bridge_registry.h"
@@ -37,7 +37,7 @@ TEST(WebViewCustomizationConstants, ListsEveryKeyInOrderAndBuildsFromExactText) 
   }
 }
 
-class WebViewCustomizerTest : public testing_support::SimFixture {
+class WebViewCustomizerTest : public testing_support::BridgeTestFixture {
  protected:
   Dict parse(std::string_view text) {
     auto parsed = json::parse(text);
@@ -120,10 +120,10 @@ TEST_F(WebViewCustomizerTest, NonStringKeysAreUnmappedAndNamedByTheirText) {
 
 // --- The bridge.
 
-class WebSettingBridgeTest : public testing_support::SimFixture {
+class WebSettingBridgeTest : public testing_support::BridgeTestFixture {
  protected:
   void SetUp() override {
-    SimFixture::SetUp();
+    BridgeTestFixture::SetUp();
     apply(R"({
       "delegates": {"host": {}},
       "screens": [
