@@ -92,11 +92,30 @@ std::optional<std::string> closeShareSheetCommand(HeadlessRunner& runner, const 
   return std::nullopt;
 }
 
+/// {"answerPrompt": {"resource": NAME, "state": STATE}}: the user answers
+/// the held system prompt for a resource (see the "permissions" section).
+std::optional<std::string> answerPromptCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
+  const Dict* answer = line.find("answerPrompt")->asDict();
+  const Value* resourceValue = answer ? answer->find("resource") : nullptr;
+  const Value* stateValue = answer ? answer->find("state") : nullptr;
+  const std::string* resourceName = resourceValue ? resourceValue->asString() : nullptr;
+  const std::string* stateName = stateValue ? stateValue->asString() : nullptr;
+  auto resource = resourceName ? protectedResourceNamed(*resourceName) : std::nullopt;
+  auto state = stateName ? authorizationStateNamed(*stateName) : std::nullopt;
+  if (!resource || !state)
+    return std::string("\"answerPrompt\" needs a \"resource\" name and a \"state\" name");
+  if (!runner.device().authorization().answerHeldPrompt(*resource, *state))
+    return "answerPrompt: no prompt for \"" + *resourceName + "\" is up";
+  out.set("answered", Dict{{"resource", *resourceName}, {"state", *stateName}});
+  out.set("settled", runner.settle());
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::vector<std::pair<std::string, HeadlessRunner::Command>> familyRunnerCommands() {
   return {{"tap", tapCommand}, {"closeShareSheet", closeShareSheetCommand},
-          {"keyboard", keyboardCommand}};
+          {"keyboard", keyboardCommand}, {"answerPrompt", answerPromptCommand}};
 }
 
 }  // namespace vantu::sim

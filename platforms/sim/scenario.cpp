@@ -10,6 +10,7 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"delegates", loadObjectsSection},
       {"environment", loadEnvironmentSection},
       {"device", loadDeviceSection},
+      {"permissions", loadPermissionsSection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

@@ -39,4 +39,7 @@ std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Val
 // Device facts and the network (scenario_device.cpp).
 std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& value);
 
+// Authorisation states and prompt answers (scenario_permissions.cpp).
+std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
+
 }  // namespace vantu::sim

@@ -44,6 +44,7 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
       reachability_(std::make_shared<SimReachability>()),
       notifications_(std::make_shared<SimNotificationCenter>()),
       images_(std::make_shared<SimImageStore>()),
+      authorization_(std::make_shared<SimAuthorization>(dispatch_, effects_)),
       platform_(std::make_shared<Platform>()) {
   platform_->dispatch = dispatch_;
   platform_->application = application_;
@@ -52,6 +53,7 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->reachability = reachability_;
   platform_->notificationCenter = notifications_;
   platform_->images = images_;
+  platform_->authorization = authorization_;
   dataDirectory_ = std::move(dataDirectory);
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
 #include "platforms/sim/sim_reachability.h"
@@ -79,6 +80,7 @@ class SimDevice {
   SimReachability& reachability() { return *reachability_; }
   SimNotificationCenter& notifications() { return *notifications_; }
   SimImageStore& images() { return *images_; }
+  SimAuthorization& authorization() { return *authorization_; }
   /// Where the preferences store (platforms/store) keeps its database.
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
@@ -114,6 +116,7 @@ class SimDevice {
   std::shared_ptr<SimReachability> reachability_;
   std::shared_ptr<SimNotificationCenter> notifications_;
   std::shared_ptr<SimImageStore> images_;
+  std::shared_ptr<SimAuthorization> authorization_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "vantu/platform/application.h"
+#include "vantu/platform/authorization.h"
 #include "vantu/platform/console.h"
 #include "vantu/platform/device_facts.h"
 #include "vantu/platform/dispatch.h"
@@ -25,6 +26,8 @@ struct Platform {
   std::shared_ptr<Reachability> reachability;
   /// Persistent named suites (the sandboxed key-value store); may be null.
   std::shared_ptr<Preferences> preferences;
+  /// Authorisation of protected resources; may be null.
+  std::shared_ptr<Authorization> authorization;
 };
 
 /// Installs `platform` for the whole process (replacing any earlier one).
