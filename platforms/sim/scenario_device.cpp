@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <set>
 #include <string_view>
 
 #include "platforms/sim/scenario.h"
@@ -102,6 +104,26 @@ Error loadNetwork(SimDevice& device, const Value& value) {
   return std::nullopt;
 }
 
+Error readImagePickerSources(const Value& value, std::set<ImagePickerSource>& out) {
+  static constexpr std::pair<std::string_view, ImagePickerSource> kSourceNames[] = {
+      {"photoLibrary", ImagePickerSource::photoLibrary},
+      {"camera", ImagePickerSource::camera},
+      {"savedPhotosAlbum", ImagePickerSource::savedPhotosAlbum},
+  };
+  const Array* names = value.asArray();
+  if (!names) return std::string("\"imagePickerSources\" must be a list of source names");
+  std::set<ImagePickerSource> sources;
+  for (const Value& item : *names) {
+    const std::string* name = item.asString();
+    const auto* found = std::find_if(std::begin(kSourceNames), std::end(kSourceNames),
+                                     [&](const auto& entry) { return name && *name == entry.first; });
+    if (found == std::end(kSourceNames)) return std::string("\"imagePickerSources\" must list source names");
+    sources.insert(found->second);
+  }
+  out = std::move(sources);
+  return std::nullopt;
+}
+
 }  // namespace
 
 Error loadDeviceSection(SimDevice& device, const Value& value) {
@@ -109,7 +131,12 @@ Error loadDeviceSection(SimDevice& device, const Value& value) {
   if (!d) return std::string("must be an object");
   for (const auto& [key, v] : *d) {
     auto field = key.text();
-    if (field != "model" && field != "systemVersion" && field != "locale" && field != "network") return unknownField(key);
+    if (field != "model" && field != "systemVersion" && field != "locale" && field != "network" &&
+        field != "imagePickerSources")
+      return unknownField(key);
+  }
+  if (const Value* v = d->find("imagePickerSources")) {
+    if (auto e = readImagePickerSources(*v, device.application().imagePickerSources)) return e;
   }
   auto& facts = device.facts();
   if (const Value* v = d->find("model")) {

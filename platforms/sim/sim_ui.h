@@ -4,6 +4,7 @@
 // reports and tests inspect.
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -117,8 +118,15 @@ class SimApplication : public Application {
  public:
   explicit SimApplication(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {}
 
+  /// The image picker's sources this device has; all of them by default.
+  std::set<ImagePickerSource> imagePickerSources{ImagePickerSource::photoLibrary, ImagePickerSource::camera,
+                                                 ImagePickerSource::savedPhotosAlbum};
+
  protected:
   void openSettings() override;
+  bool imagePickerSourceAvailable(ImagePickerSource source) const override {
+    return imagePickerSources.count(source) != 0;
+  }
 
  private:
   std::shared_ptr<EffectLog> log_;

@@ -23,6 +23,9 @@ class Window : public View {
   std::shared_ptr<ViewController> rootViewController_;
 };
 
+/// Where the system image picker takes its picture from.
+enum class ImagePickerSource { photoLibrary, camera, savedPhotosAlbum };
+
 class Application {
  public:
   virtual ~Application() = default;
@@ -38,8 +41,13 @@ class Application {
   /// Opens the system settings page of the host app.
   void openSettingsPage() { openSettings(); }
 
+  /// Whether the system image picker can take pictures from `source` on
+  /// this device (a device without a camera has no camera source).
+  bool isImagePickerSourceAvailable(ImagePickerSource source) const { return imagePickerSourceAvailable(source); }
+
  protected:
   virtual void openSettings() {}
+  virtual bool imagePickerSourceAvailable(ImagePickerSource) const { return false; }
 
  private:
   std::shared_ptr<Window> keyWindow_;
