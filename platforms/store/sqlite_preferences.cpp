@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -219,7 +220,6 @@ enum Sql : std::size_t {
   kRollback,
   kSuiteId,
   kInsertSuite,
-  kGet,
   kUpsert,
   kDelete,
   kAll,
@@ -237,7 +237,6 @@ constexpr std::array<const char*, kSqlCount> kSqlText = {
     "ROLLBACK",
     "SELECT id FROM suites WHERE name = ?1",
     "INSERT INTO suites(name) VALUES (?1) ON CONFLICT(name) DO NOTHING",
-    "SELECT kind, value FROM entries WHERE suite_id = ?1 AND key = ?2",
     "INSERT INTO entries(suite_id, key, kind, value) VALUES (?1, ?2, ?3, ?4) "
     "ON CONFLICT(suite_id, key) DO UPDATE SET kind = excluded.kind, value = excluded.value",
     "DELETE FROM entries WHERE suite_id = ?1 AND key = ?2",
@@ -265,6 +264,9 @@ constexpr const char* kSchema =
 
 const char kEmpty[1] = {0};
 
+// Keys read by one statement; longer gets take several.
+constexpr std::size_t kMaxKeysPerRead = 16;
+
 }  // namespace
 
 struct SqlitePreferences::Database {
@@ -274,6 +276,8 @@ struct SqlitePreferences::Database {
   std::function<void(std::string_view)> log;
   sqlite3* db = nullptr;
   std::array<sqlite3_stmt*, kSqlCount> statements{};
+  /// readStatements[n - 1] reads n keys of a suite in one step loop.
+  std::array<sqlite3_stmt*, kMaxKeysPerRead> readStatements{};
   bool failing = false;
   bool unsynced = false;
 
@@ -281,6 +285,10 @@ struct SqlitePreferences::Database {
 
   void close() {
     for (auto*& statement : statements) {
+      sqlite3_finalize(statement);
+      statement = nullptr;
+    }
+    for (auto*& statement : readStatements) {
       sqlite3_finalize(statement);
       statement = nullptr;
     }
@@ -319,6 +327,25 @@ struct SqlitePreferences::Database {
     } else {
       sqlite3_reset(slot);
       sqlite3_clear_bindings(slot);
+    }
+    return slot;
+  }
+
+  /// For keys ?2 .. ?(count + 1) of suite ?1: (position, kind, value) of
+  /// each key present. One statement per get, so a get pays for statement
+  /// set-up and reset once; the arms are index seeks (an IN list would
+  /// build a temporary index at each run).
+  sqlite3_stmt* readStatement(std::size_t count) {
+    auto*& slot = readStatements[count - 1];
+    if (!slot) {
+      std::string sql;
+      for (std::size_t i = 0; i < count; ++i) {
+        if (i) sql += " UNION ALL ";
+        sql += "SELECT " + std::to_string(i) +
+               ", kind, value FROM entries WHERE suite_id = ?1 AND key = ?" +
+               std::to_string(i + 2);
+      }
+      check(sqlite3_prepare_v3(db, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &slot, nullptr), "prepare");
     }
     return slot;
   }
@@ -418,6 +445,9 @@ struct SqlitePreferences::Database {
   /// After a failure: stops every statement and rolls back what was begun.
   void abandon(bool begun) {
     for (auto* stmt : statements) {
+      if (stmt) sqlite3_reset(stmt);
+    }
+    for (auto* stmt : readStatements) {
       if (stmt) sqlite3_reset(stmt);
     }
     if (begun && db && !sqlite3_get_autocommit(db)) sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
@@ -556,11 +586,13 @@ struct SqlitePreferences::Database {
     }
   }
 
-  static std::string columnText(sqlite3_stmt* stmt, int column) {
+  static std::string_view columnView(sqlite3_stmt* stmt, int column) {
     const auto* text = sqlite3_column_text(stmt, column);
     int size = sqlite3_column_bytes(stmt, column);
-    return std::string(text ? reinterpret_cast<const char*>(text) : "", static_cast<std::size_t>(size));
+    return {text ? reinterpret_cast<const char*>(text) : "", static_cast<std::size_t>(size)};
   }
+
+  static std::string columnText(sqlite3_stmt* stmt, int column) { return std::string(columnView(stmt, column)); }
 
   PreferenceStatus synchronize() {
     std::lock_guard lock(mutex);
@@ -604,14 +636,18 @@ class SqliteSuite : public PreferenceSuite {
     using Values = std::vector<std::optional<PreferenceValue>>;
     return db_->transaction<Values>(false, [&] {
       Values values(keys.size());
-      auto id = db_->suiteId(name());
+      auto id = keys.empty() ? std::nullopt : db_->suiteId(name());
       if (!id) return values;
-      for (std::size_t i = 0; i < keys.size(); ++i) {
-        auto* stmt = db_->statement(kGet);
+      for (std::size_t first = 0; first < keys.size(); first += kMaxKeysPerRead) {
+        std::size_t count = std::min(kMaxKeysPerRead, keys.size() - first);
+        auto* stmt = db_->readStatement(count);
         sqlite3_bind_int64(stmt, 1, *id);
-        Database::bindKey(stmt, 2, keys[i]);
-        int rc = sqlite3_step(stmt);
-        if (rc == SQLITE_ROW) values[i] = Database::columnValue(stmt, 0);
+        for (std::size_t i = 0; i < count; ++i) Database::bindKey(stmt, static_cast<int>(i + 2), keys[first + i]);
+        int rc;
+        while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+          auto position = static_cast<std::size_t>(sqlite3_column_int64(stmt, 0));
+          values[first + position] = Database::columnValue(stmt, 1);
+        }
         db_->check(rc, "read");
         sqlite3_reset(stmt);
       }

@@ -134,6 +134,31 @@ TEST(SqlitePreferences, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether)
   EXPECT_EQ(suite->keys().value(), std::vector<std::string>{"x"});
 }
 
+TEST(SqlitePreferences, ALongGetAnswersEveryPositionIncludingRepeatsAndGaps) {
+  TempDir dir;
+  Store store(dir.path);
+  auto suite = store.prefs.suite("long");
+  PreferenceValue::Map entries;
+  for (int i = 0; i < 50; i += 2) entries.emplace_back("k" + std::to_string(i), i);
+  ASSERT_TRUE(suite->set(std::move(entries)).ok());
+  std::vector<std::string> keys;  // 0..49 twice, so repeats fall in different batches and the same one
+  for (int round = 0; round < 2; ++round)
+    for (int i = 0; i < 50; ++i) keys.push_back("k" + std::to_string(i));
+  keys.insert(keys.end(), {"k4", "k4"});  // twice in one batch
+  auto values = suite->get(keys);
+  ASSERT_TRUE(values.ok());
+  ASSERT_EQ(values.value().size(), keys.size());
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    int n = std::stoi(keys[i].substr(1));
+    if (n % 2 == 0) {
+      EXPECT_EQ(values.value()[i], PreferenceValue(n)) << i;
+    } else {
+      EXPECT_FALSE(values.value()[i].has_value()) << i;
+    }
+  }
+  EXPECT_TRUE(store.prefs.suite("absent")->get(keys).value().size() == keys.size());
+}
+
 TEST(SqlitePreferences, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
   TempDir dir;
   Store store(dir.path);
