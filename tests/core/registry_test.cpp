@@ -1,5 +1,4 @@
-// The bridge registry, the device-manufacturer bridge, result payloads and
-// version facts.
+// The bridge registry, result payloads and version facts.
 
 #include "vantu/runtime/bridge_registry.h"
 
@@ -48,34 +47,6 @@ TEST_F(RegistryTest, HandlerIsMadeOnceAndAnewAfterRelease) {
   EXPECT_NE(second, first);
   EXPECT_EQ(registry.handlerFor("counted"), second);
   EXPECT_EQ(made, 2);
-}
-
-TEST_F(RegistryTest, DeviceManufacturerAnswersAppleAtOnceAndReportsItself) {
-  apply(R"({"delegates": {"host": {}, "envHost": {}}, "environment": {"delegate": "envHost"},
-            "screens": [{"name": "shell", "delegate": "host", "uniqueAppIdentifier": "mini-7",
-                         "children": [{"name": "page"}]}, {"name": "bare"}]})");
-  BridgeRegistry registry;
-  registerAllBridges(registry);
-  ASSERT_TRUE(registry.contains("vantuDeviceManufacturer"));
-
-  std::vector<std::string> answers;
-  registry.dispatch("vantuDeviceManufacturer", collecting(device.screen("page"), answers));
-  EXPECT_EQ(answers, std::vector<std::string>{R"({"data":"Apple"})"});
-  auto calls = device.takeDelegateCalls();
-  ASSERT_EQ(calls.size(), 1u);
-  EXPECT_EQ(calls[0].getString("delegate"), "host");
-  EXPECT_EQ(calls[0].getString("operation"), "trackCustomEventFor");
-  auto variables = calls[0].getDict("arguments")->getDict("variables");
-  ASSERT_TRUE(variables.has_value());
-  EXPECT_EQ(variables->getString("event_label"), "vantuDeviceManufacturer");
-  EXPECT_EQ(variables->getString("event_category"), "mini-7");
-  EXPECT_FALSE(device.dispatch().hasReadyTasks());
-
-  // A screen without a delegate of its own reports to nobody, not to the environment's.
-  answers.clear();
-  registry.dispatch("vantuDeviceManufacturer", collecting(device.screen("bare"), answers));
-  EXPECT_EQ(answers, std::vector<std::string>{R"({"data":"Apple"})"});
-  EXPECT_TRUE(device.takeDelegateCalls().empty());
 }
 
 TEST(H5OpErrorTest, DescriptionAndPayloadShapes) {

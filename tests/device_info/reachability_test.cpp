@@ -114,31 +114,10 @@ TEST(ReachabilityDecisions, ConnectionAndDescriptionForEveryCombinationOfTheFlag
   for (int count : seen) EXPECT_GT(count, 0);
 }
 
-TEST(ReachabilityDecisions, NamedCases) {
-  // Cellular ignores the connection-required bits.
-  EXPECT_EQ(connectionForFlags(rf::kReachable | rf::kIsWWAN, true), Connection::cellular);
-  EXPECT_EQ(connectionForFlags(rf::kReachable | rf::kIsWWAN, false), Connection::none);
-  EXPECT_EQ(connectionForFlags(rf::kReachable | rf::kIsWWAN | rf::kConnectionRequired | rf::kInterventionRequired, true),
-            Connection::cellular);
-  EXPECT_EQ(connectionForFlags(rf::kReachable | rf::kConnectionRequired | rf::kConnectionOnDemand, true), Connection::wifi);
-  EXPECT_EQ(connectionForFlags(rf::kReachable | rf::kConnectionRequired | rf::kConnectionOnDemand | rf::kInterventionRequired,
-                               true),
-            Connection::none);
-  EXPECT_EQ(connectionForFlags(rf::kIsWWAN, true), Connection::none);
+TEST(ReachabilityDecisions, UnknownFlags) {
   EXPECT_EQ(connectionForFlags(std::nullopt, true), Connection::none);
-
-  EXPECT_EQ(describeFlags(rf::kReachable, true), "-R -------");
-  EXPECT_EQ(describeFlags(rf::kReachable | rf::kIsWWAN, true), "WR -------");
-  EXPECT_EQ(describeFlags(rf::kReachable | rf::kIsWWAN, false), "XR -------");
-  EXPECT_EQ(describeFlags(0x3003f | rf::kIsWWAN, true), "WR ctiCDld");
   EXPECT_EQ(describeFlags(std::nullopt, true), "unavailable flags");
   EXPECT_EQ(describeFlags(std::nullopt, false), "unavailable flags");
-
-  EXPECT_EQ(connectionDescription(Connection::none), "No Connection");
-  EXPECT_EQ(connectionDescription(Connection::wifi), "WiFi");
-  EXPECT_EQ(connectionDescription(Connection::cellular), "Cellular");
-  EXPECT_EQ(ReachabilityChangedNotification, "ReachabilityChangedNotification");
-  EXPECT_EQ(kReachabilityChangedNotification, "reachabilityChanged");
 }
 
 // --- The monitor on the simulated device.
@@ -414,30 +393,23 @@ TEST_F(ReachabilityMonitorTest, QueriesFetchTheFlagsWhileNoneAreStored) {
   EXPECT_EQ(wifi->currentReachabilityStatus(), NetworkStatus::reachableViaWiFi);
   EXPECT_TRUE(wifi->isReachableViaWiFi());
   EXPECT_FALSE(wifi->isReachableViaWWAN());
-  EXPECT_EQ(wifi->description(), "-R -------");
-}
 
-TEST_F(ReachabilityMonitorTest, TheDescriptionShowsASimulatorBuild) {
+  // Off a device the description starts with X.
   device.facts().onDevice = false;
   setNetwork(R"(["reachable", "isWWAN"])");
-  auto monitor = makeMonitor();
-  EXPECT_FALSE(monitor->isRunningOnDevice);
-  EXPECT_EQ(monitor->description(), "XR -------");
+  auto simulator = makeMonitor();
+  EXPECT_FALSE(simulator->isRunningOnDevice);
+  EXPECT_EQ(simulator->description(), "XR -------");
 }
 
 TEST_F(ReachabilityMonitorTest, HandlesThatCannotBeMadeGiveTheirErrors) {
   apply(R"({"device": {"network": {"reachabilityUnavailable": true}}})");
   auto internet = H5Reachability::makeForInternet();
   ASSERT_FALSE(internet.ok());
-  EXPECT_EQ(internet.error(), ReachabilityError::failedToCreateWithAddress(SocketAddress::zeroIPv4()));
-  EXPECT_EQ(internet.error().address.length, 16);
-  EXPECT_EQ(internet.error().address.family, 2);
   EXPECT_EQ(internet.error().description(), "FailedToCreateWithAddress(0.0.0.0:0)");
 
   auto host = H5Reachability::makeForHostname("example.org");
   ASSERT_FALSE(host.ok());
-  EXPECT_EQ(host.error().kind, ReachabilityError::Kind::FailedToCreateWithHostname);
-  EXPECT_EQ(host.error().hostname, "example.org");
   EXPECT_EQ(host.error().description(), "FailedToCreateWithHostname(example.org)");
 
   apply(R"({"device": {"network": {"reachabilityUnavailable": false}}})");
