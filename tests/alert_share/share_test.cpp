@@ -7,7 +7,6 @@
 
 #include "tests/alert_share/alert_share_fixture.h"
 #include "tests/alert_share/test_images.h"
-#include "vantu/bridges/host/share_text_and_image_handler.h"
 #include "vantu/bridges/host/share_util.h"
 #include "vantu/platform/activity_view_controller.h"
 
@@ -176,6 +175,8 @@ TEST_F(ShareBridges, ImagesAsDataUrls) {
       {"data:image/jpeg;base64," + base64Of(png), {}, {"image:2x2"}},
       // Not a data URL: nothing is loaded, whatever the URL names.
       {"https://example.com/data:image/png", kBadImage, {}},
+      // "data:image" anywhere makes Base64 text a URL, here one that loads nothing.
+      {base64Of(png) + "data:image", kBadImage, {}},
       // A data URL whose bytes are no picture, or that is no URL at all
       // (the other malformed forms are the loader's own tests).
       {"data:image/png;base64,bm90IGFuIGltYWdl", kBadImage, {}},
@@ -216,16 +217,6 @@ TEST_F(ShareBridges, ShareUtilWithNothingToShareAnswersInsideData) {
             Strings{R"({"data":{"success":false,"error":"ShareTextAndImageHandler: Text and image both found nil"}})"});
   EXPECT_EQ(device.screen("page")->presentedViewController(), nullptr);
   EXPECT_TRUE(collect().effects.empty());
-}
-
-TEST(ShareImageStrings, BecomeImagesOrNothing) {
-  const Bytes8 png = encodePng(1, 1, solidPixels(1, 1, {1, 1, 1, 255}));
-  EXPECT_TRUE(ShareTextAndImageHandler::imageFromPageString(base64Of(png)).has_value());
-  EXPECT_TRUE(ShareTextAndImageHandler::imageFromPageString("data:image/png;base64," + base64Of(png)).has_value());
-  // "data:image" anywhere makes the string a URL; here one that loads nothing.
-  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString(base64Of(png) + "data:image").has_value());
-  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString("").has_value());
-  EXPECT_FALSE(ShareTextAndImageHandler::imageFromPageString("====").has_value());
 }
 
 }  // namespace

@@ -162,13 +162,6 @@ TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
   auto vc = std::make_shared<ViewController>();
   EXPECT_DEATH(getContextObject(*vc), "contextObject");
   EXPECT_DEATH(getOffsetFixer(*vc), "offsetFixer");
-
-  auto context = std::make_shared<Object>();
-  auto fixer = std::make_shared<Object>();
-  setContextObject(*vc, context);
-  setOffsetFixer(*vc, fixer);
-  EXPECT_EQ(getContextObject(*vc), context);
-  EXPECT_EQ(getOffsetFixer(*vc), fixer);
 }
 
 // --- Web view extraction.

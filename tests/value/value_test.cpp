@@ -196,12 +196,5 @@ TEST(ValueTest, EqualityIsKindAndContent) {
   EXPECT_EQ(Value(std::int64_t{5}).asNumber(), 5.0);
 }
 
-TEST(ValueTest, KindNames) {
-  const Value values[] = {Value(), Value(false), Value(1), Value(1.5), Value("s"), Value(Bytes{}), Value(Array{}), Value(Dict{})};
-  std::string names;
-  for (const Value& v : values) names += std::string(Value::kindName(v.kind())) + " ";
-  EXPECT_EQ(names, "null bool int double string bytes array dict ");
-}
-
 }  // namespace
 }  // namespace vantu
