@@ -16,6 +16,8 @@ const std::string kTrue = "true";
 
 class BarBridgesTest : public ContainerFixture {};
 
+// Runner case 13 pins the successful calls, the printed customizer line and
+// the refusals it shares with this table.
 TEST_F(BarBridgesTest, ChecksAndAnswers) {
   const struct {
     std::string_view bridge, data, screen;
@@ -23,23 +25,14 @@ TEST_F(BarBridgesTest, ChecksAndAnswers) {
     Strings printed;
   } kCases[] = {
       {"vantuShowTitleBar", R"({"value": true})", "", flatError("TitleBarVisibilityHandler: Failed to bind params.viewController!")},
-      {"vantuShowTitleBar", R"({"value": "true"})", "shop",
-       flatError("TitleBarVisibilityHandler: Failed to bind visibilityStatus value as a boolean!")},
-      // The customizer's problems are printed; the page still gets true.
-      {"vantuShowTitleBar", R"({"value": true})", "loose", kTrue,
-       {"VantuH5ContainerCustomizer: No navigation controlelr!!!"}},
-      {"vantuShowTitleBar", R"({"value": true})", "shop", kTrue},
       {"vantuRenderAboveHomeIndicator", R"({"value": true})", "",
        flatError("RendersAboveHomeIndicatorHandler: Failed to bind params.viewController!")},
       {"vantuRenderAboveHomeIndicator", R"({"value": 1})", "shop",
        flatError("RendersAboveHomeIndicatorHandler: Failed to bind kRendersAboveHomeIndicatorStatus value as a boolean!")},
-      {"vantuRenderAboveHomeIndicator", R"({"value": true})", "shop", kTrue},
       {"vantuChangeStatusBarColor", R"({"color": "#fff"})", "",
        flatError("StatusbarBackgroundColorChangeHandler: Failed to bind params.viewController!")},
       {"vantuChangeStatusBarColor", R"({"color": 16777215})", "shop",
        flatError("StatusbarBackgroundColorChangeHandler: Failed to bind color hex value as a string!")},
-      {"vantuResetStatusBarBackgroundColor", R"({})", "",
-       flatError("TitleBarVisibilityHandler: Failed to bind params.viewController!")},
       {"vantuResetStatusBarBackgroundColor", R"({"anything": 1})", "loose", kTrue},
   };
   for (const auto& c : kCases) {

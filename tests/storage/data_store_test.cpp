@@ -44,9 +44,7 @@ class DataStore : public StorageFixture {
 TEST_F(DataStore, AMissingKeyReadsAsEmptyTextAndEveryReadIsTracked) {
   ASSERT_TRUE(save(app1, Dict{{"a", 1}}).success);
   auto got = get(app1, {"a", "b", "a"});
-  EXPECT_EQ(got.calls, 1);
-  EXPECT_TRUE(got.success);
-  EXPECT_FALSE(got.error);
+  EXPECT_TRUE(got.calls == 1 && got.success && !got.error);
   EXPECT_EQ(got.result, (Dict{{"data", Dict{{"a", 1}, {"b", ""}}}}));
 
   auto empty = sandboxDomainName("never.saved");
@@ -60,10 +58,7 @@ TEST_F(DataStore, SavedValuesKeepTheirKindsThroughTheStore) {
   ASSERT_TRUE(save(app1, data).success);
   auto got = get(app1, {"s", "i", "d", "b", "n", "bytes", "arr", "obj"});
   ASSERT_TRUE(got.success);
-  EXPECT_EQ(*got.result.getDict("data"), data);
-  auto stored = *got.result.getDict("data");
-  EXPECT_TRUE(stored.find("d")->isDouble());
-  EXPECT_TRUE(stored.find("i")->isInt());
+  EXPECT_EQ(*got.result.getDict("data"), data);  // Value equality tells 1 from 1.0
 }
 
 TEST_F(DataStore, DatesStoredByNativeCodeReadAsIsoText) {
@@ -112,11 +107,7 @@ TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreError) {
   std::string refused(300, 'x');
   auto got = get(refused, {"a"});
   EXPECT_FALSE(got.success);
-  ASSERT_TRUE(got.error);
-  EXPECT_EQ(*got.error, storeError());
-  EXPECT_EQ(got.error->domain, "h5-ios");
-  EXPECT_EQ(got.error->code, 0);
-  EXPECT_EQ(got.error->localizedDescription, "User Defaults could not be initialized");
+  EXPECT_EQ(got.error, (PlatformError{"h5-ios", 0, "User Defaults could not be initialized"}));
   EXPECT_TRUE(got.result.find("error"));
   auto saved = save(refused, Dict{{"a", 1}});
   EXPECT_FALSE(saved.success);

