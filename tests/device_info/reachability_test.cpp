@@ -365,6 +365,13 @@ TEST_F(ReachabilityMonitorTest, StopNotifierStopsReportingAndAllowsARestart) {
   EXPECT_EQ(events, Lines{"reachable Cellular"});
 }
 
+/// The monitor's text queries in one line: its word, then R(eachable),
+/// W(WAN) and (Wi-)F(i) or "-".
+std::string queries(H5Reachability& m) {
+  return m.currentReachabilityString() + (m.isReachable() ? " R" : " -") + (m.isReachableViaWWAN() ? "W" : "-") +
+         (m.isReachableViaWiFi() ? "F" : "-");
+}
+
 TEST_F(ReachabilityMonitorTest, QueriesFetchTheFlagsWhileNoneAreStored) {
   setNetwork(R"(["reachable", "isWWAN", "isDirect"])");
   auto monitor = makeMonitor();
@@ -372,27 +379,20 @@ TEST_F(ReachabilityMonitorTest, QueriesFetchTheFlagsWhileNoneAreStored) {
   EXPECT_EQ(monitor->connection(), Connection::cellular);
   EXPECT_EQ(monitor->flags(), rf::kReachable | rf::kIsWWAN | rf::kIsDirect);
   EXPECT_EQ(monitor->currentReachabilityStatus(), NetworkStatus::reachableViaWWAN);
-  EXPECT_EQ(monitor->currentReachabilityString(), "Cellular");
-  EXPECT_TRUE(monitor->isReachable());
-  EXPECT_TRUE(monitor->isReachableViaWWAN());
-  EXPECT_FALSE(monitor->isReachableViaWiFi());
+  EXPECT_EQ(queries(*monitor), "Cellular RW-");
   EXPECT_EQ(monitor->description(), "WR ------d");
   monitor->allowsCellularConnection = false;
   EXPECT_EQ(monitor->currentReachabilityStatus(), NetworkStatus::notReachable);
-  EXPECT_FALSE(monitor->isReachable());
-  EXPECT_FALSE(monitor->isReachableViaWWAN());
-  // Fetching is not a change: nothing was reported.
+  EXPECT_EQ(queries(*monitor), "No Connection ---");
   runMain();
-  EXPECT_TRUE(events.empty());
+  EXPECT_TRUE(events.empty());  // fetching is not a change
 
   // Without a running notifier the stored flags stay as first read.
   setNetwork(R"(["reachable"])");
   EXPECT_EQ(monitor->description(), "WR ------d");
-
   auto wifi = makeMonitor();
   EXPECT_EQ(wifi->currentReachabilityStatus(), NetworkStatus::reachableViaWiFi);
-  EXPECT_TRUE(wifi->isReachableViaWiFi());
-  EXPECT_FALSE(wifi->isReachableViaWWAN());
+  EXPECT_EQ(queries(*wifi), "WiFi R-F");
 
   // Off a device the description starts with X.
   device.facts().onDevice = false;
