@@ -133,7 +133,19 @@ TEST_F(LinuxDispatchTest, TimersRunInDueOrderAndNeverEarly) {
   EXPECT_EQ(loop().runFor(10ms), 0u);  // the hour-long timer stays put
 }
 
-TEST_F(LinuxDispatchTest, MainSyncFromAnotherThreadRunsOnTheLoopThread) {
+TEST_F(LinuxDispatchTest, MainSyncRunsOnTheLoopThreadInlineWhenCalledThere) {
+  bool ran = false;
+  main()->sync([&] { ran = true; });
+  EXPECT_TRUE(ran);
+  main()->async([&] {
+    bool inner = false;
+    main()->sync([&] { inner = true; });
+    ran = inner;  // done by the time sync returned
+  });
+  ran = false;
+  loop().runUntilIdle();
+  EXPECT_TRUE(ran);
+
   std::thread::id ranOn;
   bool finished = false;
   std::thread caller([&] {
@@ -143,20 +155,6 @@ TEST_F(LinuxDispatchTest, MainSyncFromAnotherThreadRunsOnTheLoopThread) {
   EXPECT_TRUE(loop().runUntil([&] { return finished; }, kSafety));
   caller.join();
   EXPECT_EQ(ranOn, std::this_thread::get_id());
-}
-
-TEST_F(LinuxDispatchTest, MainSyncOnTheMainThreadRunsInline) {
-  bool ran = false;
-  main()->sync([&] { ran = true; });
-  EXPECT_TRUE(ran);
-  main()->async([&] {
-    bool inner = false;
-    main()->sync([&] { inner = true; });
-    ran = inner;
-  });
-  ran = false;
-  loop().runUntilIdle();
-  EXPECT_TRUE(ran);
 }
 
 TEST_F(LinuxDispatchTest, SerialQueueRunsTasksInOrderOnOneWorkerThreadStartedOnFirstUse) {
