@@ -27,9 +27,6 @@ class SimLocationServices : public LocationServices, public std::enable_shared_f
   /// The system's last fix; none before the first one.
   std::optional<Coordinate> lastFix;
 
-  /// The prompt is up until the user answers.
-  bool promptShown() const { return promptShown_; }
-
   // Used by the simulated managers.
   void requestWhenInUse();
 

@@ -25,8 +25,6 @@ class LocationPermissionRequester : public LocationManagerDelegate,
   /// the next request to ask again; the queue stays.
   void locationManagerDidChangeAuthorization(AuthorizationState state) override;
 
-  std::size_t queuedCompletions() const { return callbacks_.size(); }
-
  private:
   LocationManager& locationMgr();
 
