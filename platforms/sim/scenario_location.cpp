@@ -61,7 +61,10 @@ Error readGeocodeError(const Value& v, std::optional<PlatformError>& out) {
   }
   const Dict* d = v.asDict();
   auto message = d ? d->getString("message") : std::nullopt;
-  if (!message) return std::string("\"geocoder.error\" must be null or {\"message\", \"code\", \"domain\"}");
+  const Value* code = d ? d->find("code") : nullptr;
+  const Value* domain = d ? d->find("domain") : nullptr;
+  if (!message || (code && !code->isInt()) || (domain && !domain->isString()))
+    return std::string("\"geocoder.error\" must be null or {\"message\": text, \"code\": integer, \"domain\": text}");
   out = PlatformError{d->getString("domain").value_or("sim.geocoder"), d->getInt("code").value_or(2),
                       std::move(*message), std::nullopt, {}};
   return std::nullopt;
