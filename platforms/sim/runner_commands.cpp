@@ -111,11 +111,25 @@ std::optional<std::string> answerPromptCommand(HeadlessRunner& runner, const Dic
   return std::nullopt;
 }
 
+/// {"answerAuthentication": {"success": true | false} | {"error": CODE}}: the
+/// user answers the device-owner authentication sheet that is held up.
+std::optional<std::string> answerAuthenticationCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
+  const Value& given = *line.find("answerAuthentication");
+  AuthenticationAnswer answer;
+  if (auto error = readAuthenticationAnswer(given, answer)) return "\"answerAuthentication\": " + *error;
+  if (!runner.device().deviceOwnerAuthentication().answerHeldSheets(answer))
+    return std::string("answerAuthentication: no authentication sheet is up");
+  out.set("answered", given);
+  out.set("settled", runner.settle());
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::vector<std::pair<std::string, HeadlessRunner::Command>> familyRunnerCommands() {
   return {{"tap", tapCommand}, {"closeShareSheet", closeShareSheetCommand},
-          {"keyboard", keyboardCommand}, {"answerPrompt", answerPromptCommand}};
+          {"keyboard", keyboardCommand}, {"answerPrompt", answerPromptCommand},
+          {"answerAuthentication", answerAuthenticationCommand}};
 }
 
 }  // namespace vantu::sim

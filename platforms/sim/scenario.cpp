@@ -11,6 +11,8 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"environment", loadEnvironmentSection},
       {"device", loadDeviceSection},
       {"permissions", loadPermissionsSection},
+      {"location", loadLocationSection},
+      {"deviceOwnerAuthentication", loadDeviceOwnerAuthenticationSection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

@@ -42,4 +42,10 @@ std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& val
 // Authorisation states and prompt answers (scenario_permissions.cpp).
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
 
+// Location services and the geocoder (scenario_location.cpp).
+std::optional<std::string> loadLocationSection(SimDevice& device, const Value& value);
+
+// Device-owner authentication (scenario_authentication.cpp).
+std::optional<std::string> loadDeviceOwnerAuthenticationSection(SimDevice& device, const Value& value);
+
 }  // namespace vantu::sim

@@ -45,6 +45,9 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
       notifications_(std::make_shared<SimNotificationCenter>()),
       images_(std::make_shared<SimImageStore>()),
       authorization_(std::make_shared<SimAuthorization>(dispatch_, effects_)),
+      locationServices_(std::make_shared<SimLocationServices>(dispatch_, authorization_)),
+      geocoder_(std::make_shared<SimGeocoder>(dispatch_, effects_)),
+      deviceOwnerAuthentication_(std::make_shared<SimDeviceOwnerAuthentication>(dispatch_, effects_)),
       platform_(std::make_shared<Platform>()) {
   platform_->dispatch = dispatch_;
   platform_->application = application_;
@@ -54,6 +57,9 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->notificationCenter = notifications_;
   platform_->images = images_;
   platform_->authorization = authorization_;
+  platform_->locationServices = locationServices_;
+  platform_->geocoder = geocoder_;
+  platform_->deviceOwnerAuthentication = deviceOwnerAuthentication_;
   dataDirectory_ = std::move(dataDirectory);
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 

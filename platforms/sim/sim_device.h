@@ -11,11 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "platforms/sim/sim_authentication.h"
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
 #include "platforms/sim/sim_reachability.h"
 #include "platforms/sim/sim_images.h"
+#include "platforms/sim/sim_location.h"
 #include "platforms/sim/sim_ui.h"
 #include "vantu/platform/platform.h"
 #include "vantu/value/value.h"
@@ -81,6 +83,9 @@ class SimDevice {
   SimNotificationCenter& notifications() { return *notifications_; }
   SimImageStore& images() { return *images_; }
   SimAuthorization& authorization() { return *authorization_; }
+  SimLocationServices& locationServices() { return *locationServices_; }
+  SimGeocoder& geocoder() { return *geocoder_; }
+  SimDeviceOwnerAuthentication& deviceOwnerAuthentication() { return *deviceOwnerAuthentication_; }
   /// Where the preferences store (platforms/store) keeps its database.
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
@@ -117,6 +122,9 @@ class SimDevice {
   std::shared_ptr<SimNotificationCenter> notifications_;
   std::shared_ptr<SimImageStore> images_;
   std::shared_ptr<SimAuthorization> authorization_;
+  std::shared_ptr<SimLocationServices> locationServices_;
+  std::shared_ptr<SimGeocoder> geocoder_;
+  std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;

@@ -8,8 +8,11 @@
 #include "vantu/platform/authorization.h"
 #include "vantu/platform/console.h"
 #include "vantu/platform/device_facts.h"
+#include "vantu/platform/device_owner_authentication.h"
 #include "vantu/platform/dispatch.h"
+#include "vantu/platform/geocoder.h"
 #include "vantu/platform/images.h"
+#include "vantu/platform/location_services.h"
 #include "vantu/platform/notification_center.h"
 #include "vantu/platform/preferences.h"
 #include "vantu/platform/reachability.h"
@@ -28,6 +31,12 @@ struct Platform {
   std::shared_ptr<Preferences> preferences;
   /// Authorisation of protected resources; may be null.
   std::shared_ptr<Authorization> authorization;
+  /// The device's position and the app's authorisation to read it; may be null.
+  std::shared_ptr<LocationServices> locationServices;
+  /// Reverse geocoding; may be null.
+  std::shared_ptr<Geocoder> geocoder;
+  /// Device-owner authentication; may be null.
+  std::shared_ptr<DeviceOwnerAuthentication> deviceOwnerAuthentication;
 };
 
 /// Installs `platform` for the whole process (replacing any earlier one).

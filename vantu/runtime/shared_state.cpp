@@ -2,6 +2,7 @@
 
 #include "vantu/container/h5_dynamic_provider.h"
 #include "vantu/core/laizaxlu.h"
+#include "vantu/device/permission_handler_factory.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
 namespace vantu {
@@ -10,6 +11,7 @@ void resetSharedStateForTesting() {
   Laizaxlu::shared().resetForTesting();
   H5DynamicProvider::shared().resetForTesting();
   UserDefaultsDataStoreImpl::resetForTesting();
+  PermissionHandlerFactory::shared().resetForTesting();
 }
 
 }  // namespace vantu
