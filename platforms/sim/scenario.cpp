@@ -11,6 +11,8 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"environment", loadEnvironmentSection},
       {"device", loadDeviceSection},
       {"permissions", loadPermissionsSection},
+      {"network", loadNetworkSection},
+      {"photoLibrary", loadPhotoLibrarySection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

@@ -42,4 +42,8 @@ std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& val
 // Authorisation states and prompt answers (scenario_permissions.cpp).
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
 
+// The transport's report order and the photo library (scenario_network.cpp).
+std::optional<std::string> loadNetworkSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);
+
 }  // namespace vantu::sim

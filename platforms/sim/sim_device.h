@@ -11,9 +11,11 @@
 #include <string>
 #include <vector>
 
+#include "platforms/curl/curl_transport.h"
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
+#include "platforms/sim/sim_photo_library.h"
 #include "platforms/sim/sim_reachability.h"
 #include "platforms/sim/sim_images.h"
 #include "platforms/sim/sim_ui.h"
@@ -81,7 +83,12 @@ class SimDevice {
   SimNotificationCenter& notifications() { return *notifications_; }
   SimImageStore& images() { return *images_; }
   SimAuthorization& authorization() { return *authorization_; }
-  /// Where the preferences store (platforms/store) keeps its database.
+  /// Real HTTP transfers (libcurl); each holds outstanding work on the
+  /// loop until it has reported, so `settle` waits for it.
+  curl::CurlTransport& transport() { return *transport_; }
+  SimPhotoLibrary& photoLibrary() { return *photoLibrary_; }
+  /// Where the preferences store (platforms/store) keeps its database, the
+  /// documents directory ("Documents") and the photo library ("PhotoLibrary").
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
 
@@ -117,6 +124,8 @@ class SimDevice {
   std::shared_ptr<SimNotificationCenter> notifications_;
   std::shared_ptr<SimImageStore> images_;
   std::shared_ptr<SimAuthorization> authorization_;
+  std::shared_ptr<curl::CurlTransport> transport_;
+  std::shared_ptr<SimPhotoLibrary> photoLibrary_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;
