@@ -252,9 +252,6 @@ struct CurlTransport::Job {
     HttpTransferResult out;
     long status = 0;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-    curl_off_t received = 0;
-    curl_easy_getinfo(easy, CURLINFO_SIZE_DOWNLOAD_T, &received);
-    out.receivedResponse = status != 0 || received > 0;
     if (status != 0) {
       char* effective = nullptr;
       curl_easy_getinfo(easy, CURLINFO_EFFECTIVE_URL, &effective);

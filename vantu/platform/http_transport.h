@@ -44,9 +44,8 @@ struct HttpTransferResult {
   /// Set whenever the transfer failed; the other fields may still hold
   /// what arrived before the failure.
   std::optional<PlatformError> error;
-  /// True when the server answered at all; `httpResponse` is unset when the
-  /// answer was not HTTP (no status line).
-  bool receivedResponse = false;
+  /// The response; unset when there was none or it was not HTTP (an answer
+  /// without a status line completes without error and without this).
   std::optional<HttpUrlResponse> httpResponse;
   /// The body of an in-memory transfer that ended without error.
   std::optional<Bytes> body;
