@@ -18,8 +18,10 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platforms/sim/sim_device.h"
@@ -75,50 +77,82 @@ int downloadInChild(const std::string& url, const fs::path& dataDir) {
 
 size_t discard(char*, size_t size, size_t count, void*) { return size * count; }
 
+/// The faster of `rounds` runs (the first run of either tool may pay for
+/// a page cache full of the other's file).
+Run fastestOf(int rounds, const std::vector<std::string>& argv, const std::function<void()>& cleanUp) {
+  Run best;
+  for (int i = 0; i < rounds; ++i) {
+    Run run = runChild(argv);
+    cleanUp();
+    if (i == 0 || (run.ok && run.seconds < best.seconds)) best = run;
+  }
+  return best;
+}
+
+void printRun(const char* tool, double mib, const Run& run) {
+  std::printf("%-17s %8.0f MiB: %6.2f s, %7.1f MiB/s, peak RSS %6ld KiB%s\n", tool, mib, run.seconds,
+              mib / run.seconds, run.peakRssKiB, run.ok ? "" : " (FAILED)");
+}
+
 void compareDownloads(const std::string& self, int port, std::uint64_t bytes, bool withCurl) {
   const fs::path dir = fs::temp_directory_path() / ("vantu-net-bench-" + std::to_string(getpid()));
   fs::remove_all(dir);
   fs::create_directories(dir);
   const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/large?bytes=" + std::to_string(bytes);
   const double mib = static_cast<double>(bytes) / (1 << 20);
-  Run ours = runChild({self, "download", url, dir.string()});
-  std::printf("vantuDownloadFile %8.0f MiB: %6.2f s, %7.1f MiB/s, peak RSS %6ld KiB%s\n", mib, ours.seconds,
-              mib / ours.seconds, ours.peakRssKiB, ours.ok ? "" : " (FAILED)");
-  fs::remove_all(dir / "Documents");
+  const int rounds = withCurl ? 2 : 1;
+  Run ours = fastestOf(rounds, {self, "download", url, dir.string()}, [&] { fs::remove_all(dir / "Documents"); });
+  printRun("vantuDownloadFile", mib, ours);
   if (withCurl) {
-    Run theirs = runChild({"curl", "-s", "-o", (dir / "curl.bin").string(), url});
-    std::printf("curl -o           %8.0f MiB: %6.2f s, %7.1f MiB/s, peak RSS %6ld KiB%s\n", mib, theirs.seconds,
-                mib / theirs.seconds, theirs.peakRssKiB, theirs.ok ? "" : " (FAILED)");
-    std::printf("throughput ratio vantu/curl: %.2f (goal: at least 0.90)\n", theirs.seconds / ours.seconds);
+    Run theirs = fastestOf(rounds, {"curl", "-s", "-o", (dir / "curl.bin").string(), url},
+                           [&] { fs::remove(dir / "curl.bin"); });
+    printRun("curl -o", mib, theirs);
+    std::printf("throughput ratio vantu/curl (best of %d each): %.2f (goal: at least 0.90)\n", rounds,
+                theirs.seconds / ours.seconds);
   }
   fs::remove_all(dir);
 }
 
 void compareSmallGets(int port, int requests) {
   const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/small";
-  // Bare libcurl: one easy handle, reused (keeps its connection).
-  CURL* easy = curl_easy_init();
-  curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
-  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &discard);
-  auto start = Clock::now();
-  for (int i = 0; i < requests; ++i) curl_easy_perform(easy);
-  const double bare = std::chrono::duration<double, std::micro>(Clock::now() - start).count() / requests;
-  curl_easy_cleanup(easy);
+  // Bare libcurl, asking for compressed answers as the transport does: with
+  // one easy handle reused (keeps its connection), and with a fresh handle
+  // per request (connections are then not kept).
+  auto bareRequests = [&](bool reuse) {
+    CURL* easy = nullptr;
+    auto start = Clock::now();
+    for (int i = 0; i < requests; ++i) {
+      if (!easy) {
+        easy = curl_easy_init();
+        curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
+        curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
+        curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &discard);
+      }
+      curl_easy_perform(easy);
+      if (!reuse) curl_easy_cleanup(std::exchange(easy, nullptr));
+    }
+    if (easy) curl_easy_cleanup(easy);
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count() / requests;
+  };
+  const double bare = bareRequests(true);
+  const double fresh = bareRequests(false);
 
   sim::SimDevice device;
   device.install();
   BridgeRegistry registry;
   registerAllBridges(registry);
   int answered = 0;
-  start = Clock::now();
+  auto start = Clock::now();
   for (int i = 0; i < requests; ++i) {
     registry.dispatch("httpRequest", H5HandlerInputParams(nullptr, Dict{{"url", url}, {"method", "GET"}},
                                                           [&](const Value&) { ++answered; }));
     device.dispatch().settle(std::chrono::seconds(30));
   }
   const double ours = std::chrono::duration<double, std::micro>(Clock::now() - start).count() / requests;
-  std::printf("small GET x%d: bare libcurl %.1f us, httpRequest %.1f us, overhead %+.1f%% (goal: under 20%%)%s\n",
-              requests, bare, ours, 100.0 * (ours - bare) / bare, answered == requests ? "" : " (MISSING ANSWERS)");
+  std::printf("small GET x%d: httpRequest %.1f us; bare libcurl %.1f us reusing its handle (overhead %+.1f%%), "
+              "%.1f us with a fresh handle (overhead %+.1f%%) (goal: under 20%%)%s\n",
+              requests, ours, bare, 100.0 * (ours - bare) / bare, fresh, 100.0 * (ours - fresh) / fresh,
+              answered == requests ? "" : " (MISSING ANSWERS)");
 }
 
 }  // namespace
@@ -139,8 +173,11 @@ int main(int argc, char** argv) {
                              });
   });
   server.Get("/small", [](const httplib::Request&, httplib::Response& res) {
-    res.set_content(R"({"ok":true,"items":[1,2,3]})", "application/json");
+    // Not a type the server compresses: its compressor would cost more than
+    // either client and hide the difference.
+    res.set_content(R"({"ok":true,"items":[1,2,3]})", "application/octet-stream");
   });
+  server.set_tcp_nodelay(true);  // else delayed acknowledgements dominate small requests
   const int port = server.bind_to_any_port("127.0.0.1");
   std::thread thread([&] { server.listen_after_bind(); });
   while (!server.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
