@@ -1,5 +1,9 @@
 #include "platforms/linux/linux_platform.h"
 
+#include <cstdlib>
+
+#include "platforms/curl/curl_transport.h"
+#include "platforms/linux/linux_photo_library.h"
 #include "platforms/store/sqlite_preferences.h"
 
 namespace vantu::linux_platform {
@@ -10,6 +14,33 @@ void StreamConsole::write(std::string_view line) {
   std::fputc('\n', stream_);
   std::fflush(stream_);
   funlockfile(stream_);
+}
+
+namespace {
+
+std::filesystem::path environmentPath(const char* name) {
+  const char* value = std::getenv(name);
+  return value && *value == '/' ? std::filesystem::path(value) : std::filesystem::path();
+}
+
+std::filesystem::path picturesDirectoryFor(const LinuxPlatformOptions& options) {
+  if (!options.picturesDirectory.empty()) return options.picturesDirectory;
+  auto home = environmentPath("HOME");
+  return home.empty() ? home : home / "Pictures";
+}
+
+}  // namespace
+
+std::filesystem::path documentsDirectoryFor(const LinuxPlatformOptions& options) {
+  if (!options.documentsDirectory.empty()) return options.documentsDirectory;
+  if (!options.dataDirectory.empty()) return options.dataDirectory / "Documents";
+  auto dataHome = environmentPath("XDG_DATA_HOME");
+  if (dataHome.empty()) {
+    auto home = environmentPath("HOME");
+    if (home.empty()) return {};
+    dataHome = home / ".local" / "share";
+  }
+  return dataHome / "vantu-h5" / "Documents";
 }
 
 LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
@@ -32,6 +63,11 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
   if (!options.dataDirectory.empty()) {
     platform->preferences =
         std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{options.dataDirectory, {}});
+  }
+  platform->httpTransport = std::make_shared<curl::CurlTransport>(result.dispatch);
+  platform->documentsDirectory = documentsDirectoryFor(options);
+  if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {
+    platform->photoLibrary = std::make_shared<LinuxPhotoLibrary>(std::move(pictures));
   }
   result.platform = std::move(platform);
   return result;

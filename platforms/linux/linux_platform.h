@@ -3,8 +3,11 @@
 // queue, a worker thread per serial queue), device facts from uname,
 // os-release and the locale environment, reachability over rtnetlink, a
 // thread-safe notification centre, the console on standard output and a
-// plain application model. There is no image store yet: `images` is null,
-// and the library treats a missing image as "the application has none".
+// plain application model, HTTP on libcurl (platforms/curl), a documents
+// directory and a pictures folder for the photo library. There is no image
+// store yet: `images` is null, and the library treats a missing image as
+// "the application has none". There is no authorisation port either, so
+// bridges that need one answer as if access were restricted.
 
 #include <cstdio>
 #include <filesystem>
@@ -46,7 +49,17 @@ struct LinuxPlatformOptions {
   /// Where the preferences store (SQLite, platforms/store) keeps its
   /// database; no preferences port when empty.
   std::filesystem::path dataDirectory;
+  /// The documents directory ("Documents" under the data directory, or
+  /// under "$XDG_DATA_HOME/vantu-h5" (~/.local/share/vantu-h5) when there is
+  /// none); no documents directory when nothing can be found.
+  std::filesystem::path documentsDirectory;
+  /// Where saved pictures go ("$HOME/Pictures" when empty); no photo
+  /// library when nothing can be found.
+  std::filesystem::path picturesDirectory;
 };
+
+/// The documents directory `options` give (see LinuxPlatformOptions).
+std::filesystem::path documentsDirectoryFor(const LinuxPlatformOptions& options);
 
 struct LinuxPlatform {
   std::shared_ptr<Platform> platform;

@@ -13,6 +13,8 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"permissions", loadPermissionsSection},
       {"location", loadLocationSection},
       {"deviceOwnerAuthentication", loadDeviceOwnerAuthenticationSection},
+      {"http", loadHttpSection},
+      {"photoLibrary", loadPhotoLibrarySection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

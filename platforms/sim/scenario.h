@@ -47,5 +47,8 @@ std::optional<std::string> loadLocationSection(SimDevice& device, const Value& v
 
 // Device-owner authentication (scenario_authentication.cpp).
 std::optional<std::string> loadDeviceOwnerAuthenticationSection(SimDevice& device, const Value& value);
+// The transport's report order and the photo library (scenario_http.cpp).
+std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);
 
 }  // namespace vantu::sim

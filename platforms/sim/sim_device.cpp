@@ -61,6 +61,11 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->geocoder = geocoder_;
   platform_->deviceOwnerAuthentication = deviceOwnerAuthentication_;
   dataDirectory_ = std::move(dataDirectory);
+  transport_ = std::make_shared<curl::CurlTransport>(dispatch_);
+  photoLibrary_ = std::make_shared<SimPhotoLibrary>(dispatch_, effects_, dataDirectory_ / "PhotoLibrary");
+  platform_->httpTransport = transport_;
+  platform_->photoLibrary = photoLibrary_;
+  platform_->documentsDirectory = dataDirectory_ / "Documents";
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 
   auto window = std::make_shared<SimWindow>(effects_, kScreenBounds);

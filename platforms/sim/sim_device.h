@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "platforms/sim/sim_authentication.h"
+#include "platforms/curl/curl_transport.h"
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
+#include "platforms/sim/sim_photo_library.h"
 #include "platforms/sim/sim_reachability.h"
 #include "platforms/sim/sim_images.h"
 #include "platforms/sim/sim_location.h"
@@ -87,6 +89,12 @@ class SimDevice {
   SimGeocoder& geocoder() { return *geocoder_; }
   SimDeviceOwnerAuthentication& deviceOwnerAuthentication() { return *deviceOwnerAuthentication_; }
   /// Where the preferences store (platforms/store) keeps its database.
+  /// Real HTTP transfers (libcurl); each holds outstanding work on the
+  /// loop until it has reported, so `settle` waits for it.
+  curl::CurlTransport& transport() { return *transport_; }
+  SimPhotoLibrary& photoLibrary() { return *photoLibrary_; }
+  /// Where the preferences store (platforms/store) keeps its database, the
+  /// documents directory ("Documents") and the photo library ("PhotoLibrary").
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
 
@@ -125,6 +133,8 @@ class SimDevice {
   std::shared_ptr<SimLocationServices> locationServices_;
   std::shared_ptr<SimGeocoder> geocoder_;
   std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
+  std::shared_ptr<curl::CurlTransport> transport_;
+  std::shared_ptr<SimPhotoLibrary> photoLibrary_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;

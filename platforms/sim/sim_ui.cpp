@@ -190,4 +190,8 @@ void SimTabBarController::didRefusePresentation(const std::shared_ptr<ViewContro
 
 void SimApplication::openSettings() { log_->record(Dict{{"effect", "openSettings"}}); }
 
+void SimApplication::didChangeNetworkActivityIndicator() {
+  log_->record(Dict{{"effect", "networkActivityIndicator"}, {"visible", isNetworkActivityIndicatorVisible()}});
+}
+
 }  // namespace vantu::sim

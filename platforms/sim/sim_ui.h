@@ -124,6 +124,8 @@ class SimApplication : public Application {
 
  protected:
   void openSettings() override;
+  /// Records {"effect": "networkActivityIndicator", "visible": bool}.
+  void didChangeNetworkActivityIndicator() override;
   bool imagePickerSourceAvailable(ImagePickerSource source) const override {
     return imagePickerSources.count(source) != 0;
   }

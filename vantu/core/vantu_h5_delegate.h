@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "vantu/core/http_records.h"
+#include "vantu/platform/http_records.h"
 #include "vantu/platform/object.h"
 #include "vantu/platform/platform_error.h"
 #include "vantu/platform/view_controller.h"

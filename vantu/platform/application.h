@@ -38,6 +38,15 @@ class Application {
   Rect statusBarFrame() const { return statusBarFrame_; }
   void setStatusBarFrame(Rect frame) { statusBarFrame_ = frame; }
 
+  /// The status bar's spinner that tells the user the app is using the
+  /// network.
+  bool isNetworkActivityIndicatorVisible() const { return networkActivityIndicatorVisible_; }
+  void setNetworkActivityIndicatorVisible(bool visible) {
+    if (visible == networkActivityIndicatorVisible_) return;
+    networkActivityIndicatorVisible_ = visible;
+    didChangeNetworkActivityIndicator();
+  }
+
   /// Opens the system settings page of the host app.
   void openSettingsPage() { openSettings(); }
 
@@ -47,12 +56,15 @@ class Application {
 
  protected:
   virtual void openSettings() {}
+  /// Called after the network activity indicator was shown or hidden.
+  virtual void didChangeNetworkActivityIndicator() {}
   virtual bool imagePickerSourceAvailable(ImagePickerSource) const { return false; }
 
  private:
   std::shared_ptr<Window> keyWindow_;
   Rect mainScreenBounds_;
   Rect statusBarFrame_;
+  bool networkActivityIndicatorVisible_ = false;
 };
 
 }  // namespace vantu

@@ -2,6 +2,7 @@
 // The bundle of ports a platform provides. The library reads the installed
 // bundle; tests and programs install one at start-up.
 
+#include <filesystem>
 #include <memory>
 
 #include "vantu/platform/application.h"
@@ -11,9 +12,11 @@
 #include "vantu/platform/device_owner_authentication.h"
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/geocoder.h"
+#include "vantu/platform/http_transport.h"
 #include "vantu/platform/images.h"
 #include "vantu/platform/location_services.h"
 #include "vantu/platform/notification_center.h"
+#include "vantu/platform/photo_library.h"
 #include "vantu/platform/preferences.h"
 #include "vantu/platform/reachability.h"
 
@@ -37,6 +40,12 @@ struct Platform {
   std::shared_ptr<Geocoder> geocoder;
   /// Device-owner authentication; may be null.
   std::shared_ptr<DeviceOwnerAuthentication> deviceOwnerAuthentication;
+  /// HTTP transfers; may be null (then network bridges answer their failure).
+  std::shared_ptr<HttpTransport> httpTransport;
+  /// The user's photo library; may be null (then saving a picture fails).
+  std::shared_ptr<PhotoLibrary> photoLibrary;
+  /// The user's documents directory; empty when the platform has none.
+  std::filesystem::path documentsDirectory;
 };
 
 /// Installs `platform` for the whole process (replacing any earlier one).

@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/host_bridges.h"
 #include "vantu/container/container_bridges.h"
 #include "vantu/device/device_bridges.h"
+#include "vantu/net/net_bridges.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/storage/storage_bridges.h"
 
@@ -11,6 +12,7 @@ void registerAllBridges(BridgeRegistry& registry) {
   registry.addAll(ContainerBridges{});
   registry.addAll(StorageBridges{});
   registry.addAll(DeviceBridges{});
+  registry.addAll(NetBridges{});
 }
 
 }  // namespace vantu

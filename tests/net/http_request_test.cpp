@@ -1,0 +1,117 @@
+// "httpRequest" against a real loopback server: answers for every kind of
+// outcome, what is sent, timeouts, and the measurements the host receives.
+
+#include "tests/net/net_fixture.h"
+
+namespace vantu::testing_support {
+namespace {
+
+using HttpRequestBridge = NetFixture;
+
+std::string withUrl(const std::string& url, std::string_view rest = R"("method": "GET")") {
+  return R"({"url": ")" + url + R"(", )" + std::string(rest) + "}";
+}
+
+TEST_F(HttpRequestBridge, AnyStatusIsASuccessWithHeadersStatusAndText) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"/status/200", "oops"}, {"/status/201", "oops"}, {"/status/404", "oops"}, {"/status/500", "oops"},
+      {"/status/204", ""},     {"/binary", ""},         {"/redirect", "oops"},
+  };
+  for (const auto& [path, text] : cases) {
+    SCOPED_TRACE(path);
+    Dict answer = answerOf(callAndWait("httpRequest", withUrl(server.url(path))));
+    const std::int64_t expected = path.starts_with("/status/") ? std::stoll(path.substr(8)) : 200;
+    EXPECT_EQ(answer.getInt("status"), expected);
+    EXPECT_EQ(answer.getString("data"), text);
+    auto headers = answer.getDict("headers");
+    ASSERT_TRUE(headers);
+    EXPECT_EQ(answer.getString("headersStr"), json::write(*headers));
+    if (!text.empty()) {
+      EXPECT_EQ(headers->getString("Content-Type"), "text/plain");
+    }
+  }
+}
+
+TEST_F(HttpRequestBridge, SendsMethodBodyAndHeadersAsTheyAreGiven) {
+  struct Case {
+    std::string rest, echoed;
+  };
+  const Case cases[] = {
+      {R"("method": "POST", "data": {"a": 1, "b": [true]}, "headers": {"X-Token": "t1"})",
+       "POST|t1|{\n  \"a\" : 1,\n  \"b\" : [\n    true\n  ]\n}"},
+      {R"("method": "PUT", "data": "plain text", "headers": {"X-Token": "t1", "Count": 2})", "PUT||plain text"},
+      {R"("method": "DELETE", "data": [1, 2])", "DELETE||"},
+      {R"("method": "GET", "headers": {})", "GET||"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.rest);
+    EXPECT_EQ(answerOf(callAndWait("httpRequest", withUrl(server.url("/echo"), c.rest))).getString("data"), c.echoed);
+  }
+}
+
+TEST_F(HttpRequestBridge, FailuresAnswerTheirMessageAsKeyAndCodeAsValue) {
+  GarbageListener garbage;
+  const std::pair<std::string, std::string> cases[] = {
+      {R"({"method": "GET"})", R"({"invalid url":2})"},
+      {R"({"url": 7, "method": "GET"})", R"({"invalid url":2})"},
+      {R"({"url": "http://exa mple/", "method": "GET"})", R"({"invalid url":2})"},
+      {withUrl(server.url("/echo"), R"("method": 1)"), R"({"invalid method":2})"},
+      {withUrl(server.url("/echo"), R"("timeout": 5)"), R"({"invalid method":2})"},
+      {withUrl(refusedUrl()), R"({"error":12})"},
+      {withUrl("ftp://127.0.0.1/x"), R"({"error":12})"},
+      {withUrl(server.url("/echo"), R"("method": "BAD\r\nX-Injected: 1")"), R"({"error":12})"},
+      {withUrl(garbage.url()), R"({"no HTTPresponse received":-2})"},
+  };
+  for (const auto& [data, expected] : cases) {
+    SCOPED_TRACE(data);
+    auto out = callAndWait("httpRequest", data);
+    EXPECT_EQ(out.answers, Strings{expected});
+    EXPECT_EQ(out.reported, Strings{"httpRequest"});
+  }
+}
+
+TEST_F(HttpRequestBridge, TimeoutIsWholeSecondsAndZeroFailsWithoutConnecting) {
+  const int before = server.requests();
+  EXPECT_EQ(callAndWait("httpRequest", withUrl(server.url("/slow"), R"("method": "GET", "timeout": 999)")).answers,
+            Strings{R"({"error":12})"});
+  EXPECT_EQ(server.requests(), before);
+  // 1500 ms is one second, shorter than the server's two.
+  EXPECT_EQ(callAndWait("httpRequest", withUrl(server.url("/slow"), R"("method": "GET", "timeout": 1500)")).answers,
+            Strings{R"({"error":12})"});
+  // A timeout that is not an integer leaves the default minute.
+  auto late = callAndWait("httpRequest", withUrl(server.url("/slow"), R"("method": "GET", "timeout": "1000")"));
+  EXPECT_EQ(answerOf(late).getString("data"), "late");
+}
+
+TEST_F(HttpRequestBridge, HostHearsOnceWhenMetricsComeFirstAndTwiceWhenTheyComeLast) {
+  auto trackCalls = [](const CallOutcome& out) {
+    Strings metrics;
+    for (const auto& call : out.hostCalls) {
+      auto parsed = json::parse(call);
+      auto arguments = parsed.value().asDict()->getDict("arguments").value_or(Dict{});
+      EXPECT_EQ(parsed.value().asDict()->getString("operation"), "trackWithOstrix");
+      EXPECT_EQ(arguments.getInt("status"), 404);
+      EXPECT_EQ(arguments.getInt("responseDataLength"), 4);
+      EXPECT_GT(arguments.getNumber("responseTime").value_or(0), 0);
+      metrics.push_back(arguments.getBool("hasMetrics") == true ? "metrics" : "none");
+    }
+    return metrics;
+  };
+  const std::string notFound = withUrl(server.url("/status/404"));
+  EXPECT_EQ(trackCalls(callAndWait("httpRequest", notFound)), Strings{"metrics"});
+  apply(R"({"network": {"metricsOrder": "afterCompletion"}})");
+  EXPECT_EQ(trackCalls(callAndWait("httpRequest", notFound)), (Strings{"none", "metrics"}));
+  // Failed transfers and screens without a host delegate report nothing.
+  EXPECT_TRUE(callAndWait("httpRequest", withUrl(refusedUrl())).hostCalls.empty());
+  auto bare = callAndWait("httpRequest", notFound, "bare");
+  EXPECT_TRUE(bare.hostCalls.empty());
+  EXPECT_EQ(answerOf(bare).getInt("status"), 404);
+}
+
+TEST_F(HttpRequestBridge, WithoutATransportTheTransferFails) {
+  device.platformBundle()->httpTransport = nullptr;
+  EXPECT_EQ(callAndWait("httpRequest", withUrl(server.url("/status/200"))).answers, Strings{R"({"error":12})"});
+}
+
+}  // namespace
+}  // namespace vantu::testing_support
