@@ -1,4 +1,4 @@
-// The "network" section (when a transfer's measurements arrive) and the
+// The "http" section (when a transfer's measurements arrive) and the
 // "photoLibrary" section (whether saving pictures fails).
 
 #include "platforms/sim/scenario.h"
@@ -6,7 +6,7 @@
 
 namespace vantu::sim {
 
-std::optional<std::string> loadNetworkSection(SimDevice& device, const Value& value) {
+std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object");
   for (const auto& [key, field] : *d) {

@@ -99,7 +99,7 @@ TEST_F(HttpRequestBridge, HostHearsOnceWhenMetricsComeFirstAndTwiceWhenTheyComeL
   };
   const std::string notFound = withUrl(server.url("/status/404"));
   EXPECT_EQ(trackCalls(callAndWait("httpRequest", notFound)), Strings{"metrics"});
-  apply(R"({"network": {"metricsOrder": "afterCompletion"}})");
+  apply(R"({"http": {"metricsOrder": "afterCompletion"}})");
   EXPECT_EQ(trackCalls(callAndWait("httpRequest", notFound)), (Strings{"none", "metrics"}));
   // Failed transfers and screens without a host delegate report nothing.
   EXPECT_TRUE(callAndWait("httpRequest", withUrl(refusedUrl())).hostCalls.empty());
