@@ -11,6 +11,7 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"environment", loadEnvironmentSection},
       {"device", loadDeviceSection},
       {"permissions", loadPermissionsSection},
+      {"pickers", loadPickersSection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

@@ -42,4 +42,7 @@ std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& val
 // Authorisation states and prompt answers (scenario_permissions.cpp).
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
 
+// What the user picks in the image and document pickers (scenario_pickers.cpp).
+std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value);
+
 }  // namespace vantu::sim

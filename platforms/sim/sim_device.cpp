@@ -45,6 +45,7 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
       notifications_(std::make_shared<SimNotificationCenter>()),
       images_(std::make_shared<SimImageStore>()),
       authorization_(std::make_shared<SimAuthorization>(dispatch_, effects_)),
+      pickers_(std::make_shared<SimPickers>(dispatch_)),
       platform_(std::make_shared<Platform>()) {
   platform_->dispatch = dispatch_;
   platform_->application = application_;
@@ -54,6 +55,10 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->notificationCenter = notifications_;
   platform_->images = images_;
   platform_->authorization = authorization_;
+  facts_->dispatch = dispatch_.get();
+  effects_->setPresentationObserver([weak = std::weak_ptr<SimPickers>(pickers_)](const auto& controller) {
+    if (auto pickers = weak.lock()) pickers->presented(controller);
+  });
   dataDirectory_ = std::move(dataDirectory);
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 

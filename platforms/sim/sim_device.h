@@ -14,6 +14,7 @@
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
+#include "platforms/sim/sim_pickers.h"
 #include "platforms/sim/sim_reachability.h"
 #include "platforms/sim/sim_images.h"
 #include "platforms/sim/sim_ui.h"
@@ -43,6 +44,9 @@ class SimDeviceFacts : public DeviceFacts {
   std::optional<std::string> language = "en";
   std::optional<std::string> radioTechnology = "CTRadioAccessTechnologyLTE";
   bool onDevice = true;
+  /// The wall clock at virtual time zero; it moves with the virtual clock.
+  double clockAtStart = 1700000000.125;
+  const SimDispatch* dispatch = nullptr;
 
  protected:
   std::optional<Dict> mainBundleInfo() const override { return info; }
@@ -51,6 +55,9 @@ class SimDeviceFacts : public DeviceFacts {
   std::optional<std::string> localeLanguageCode() const override { return language; }
   std::optional<std::string> currentRadioAccessTechnology() const override { return radioTechnology; }
   bool runningOnDevice() const override { return onDevice; }
+  double currentTimeSince1970() const override {
+    return clockAtStart + (dispatch ? std::chrono::duration<double>(dispatch->now()).count() : 0.0);
+  }
 };
 
 class SimDevice {
@@ -81,6 +88,7 @@ class SimDevice {
   SimNotificationCenter& notifications() { return *notifications_; }
   SimImageStore& images() { return *images_; }
   SimAuthorization& authorization() { return *authorization_; }
+  SimPickers& pickers() { return *pickers_; }
   /// Where the preferences store (platforms/store) keeps its database.
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
   const std::shared_ptr<EffectLog>& effects() const { return effects_; }
@@ -117,6 +125,7 @@ class SimDevice {
   std::shared_ptr<SimNotificationCenter> notifications_;
   std::shared_ptr<SimImageStore> images_;
   std::shared_ptr<SimAuthorization> authorization_;
+  std::shared_ptr<SimPickers> pickers_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;

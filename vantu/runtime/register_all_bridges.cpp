@@ -1,5 +1,6 @@
 #include "vantu/bridges/host/host_bridges.h"
 #include "vantu/container/container_bridges.h"
+#include "vantu/pickers/picker_bridges.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/storage/storage_bridges.h"
 
@@ -9,6 +10,7 @@ void registerAllBridges(BridgeRegistry& registry) {
   registry.addAll(HostBridges{});
   registry.addAll(ContainerBridges{});
   registry.addAll(StorageBridges{});
+  registry.addAll(PickerBridges{});
 }
 
 }  // namespace vantu
