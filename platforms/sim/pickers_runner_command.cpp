@@ -20,11 +20,10 @@ std::optional<std::string> theOne(const std::vector<std::shared_ptr<Picker>>& sh
 std::optional<std::string> pickImageCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
   SimPickers::ImageChoice choice;
   if (auto error = readImageChoice(*line.find("pickImage"), false, choice)) return "pickImage: " + *error;
-  if (choice.action != SimPickers::Action::pick) return std::string("pickImage: use cancelPicker to cancel");
   SimPickers& pickers = runner.device().pickers();
   std::shared_ptr<ImagePickerController> picker;
   if (auto error = theOne(pickers.shownImagePickers(), "image picker", picker)) return "pickImage: " + *error;
-  out.set("picked", "imagePicker");
+  out.set(choice.action == SimPickers::Action::cancel ? "cancelled" : "picked", "imagePicker");
   pickers.answer(picker, choice);
   out.set("settled", runner.settle());
   return std::nullopt;
@@ -33,11 +32,10 @@ std::optional<std::string> pickImageCommand(HeadlessRunner& runner, const Dict& 
 std::optional<std::string> pickDocumentsCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
   SimPickers::DocumentChoice choice;
   if (auto error = readDocumentChoice(*line.find("pickDocuments"), false, choice)) return "pickDocuments: " + *error;
-  if (choice.action != SimPickers::Action::pick) return std::string("pickDocuments: use cancelPicker to cancel");
   SimPickers& pickers = runner.device().pickers();
   std::shared_ptr<DocumentPickerController> picker;
   if (auto error = theOne(pickers.shownDocumentPickers(), "document picker", picker)) return "pickDocuments: " + *error;
-  out.set("picked", "documentPicker");
+  out.set(choice.action == SimPickers::Action::cancel ? "cancelled" : "picked", "documentPicker");
   pickers.answer(picker, choice);
   out.set("settled", runner.settle());
   return std::nullopt;

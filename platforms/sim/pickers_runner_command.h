@@ -10,11 +10,11 @@
 
 namespace vantu::sim {
 
-/// {"pickImage": FILE | {"file": FILE, "url": URL or null}}: the user
-/// chooses that image in the image picker that is shown.
+/// {"pickImage": FILE | {"file": FILE, "url": URL or null} | "cancel"}: the
+/// user chooses that image in the image picker that is shown (or cancels).
 std::optional<std::string> pickImageCommand(HeadlessRunner& runner, const Dict& line, Dict& out);
-/// {"pickDocuments": [FILE, ...]}: the user chooses those files in the
-/// document picker that is shown.
+/// {"pickDocuments": [FILE, ...] | "cancel"}: the user chooses those files
+/// in the document picker that is shown (or cancels).
 std::optional<std::string> pickDocumentsCommand(HeadlessRunner& runner, const Dict& line, Dict& out);
 /// {"cancelPicker": {}}: the user cancels the one picker that is shown.
 std::optional<std::string> cancelPickerCommand(HeadlessRunner& runner, const Dict& line, Dict& out);
