@@ -54,7 +54,10 @@ void BaseImagePickHandler::answerResult(Source source, bool success, const std::
   if (result.imageName) meta.set("imageName", std::move(*result.imageName));
   if (result.imageType) meta.set("imageType", std::move(*result.imageType));
   if (result.imageSize) meta.set("imageSize", *result.imageSize);
-  callback(payload::success(Dict{{"base64", std::move(result.base64).value_or("")}, {"meta", std::move(meta)}}));
+  Dict data;  // built by moves: the text is the whole image
+  data.set("base64", std::move(result.base64).value_or(""));
+  data.set("meta", std::move(meta));
+  callback(payload::success(std::move(data)));
 }
 
 }  // namespace vantu
