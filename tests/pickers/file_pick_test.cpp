@@ -46,6 +46,22 @@ TEST_F(PickerTest, FilePickEntriesInPickerOrderWithEveryVerdict) {
       {"meta": {"fileName": "report.PDF", "fileSize": 10, "fileType": "PDF"}, "base64": "aGVsbG8gcGRmCg=="}]})"))));
 }
 
+// Released before the pick, or after it while the files wait for the queue.
+TEST_F(PickerTest, FilePickHandlerReleasedBeforeTheAnswerAnswersNothing) {
+  for (bool releaseAfterPick : {false, true}) {
+    auto handler = std::make_shared<FilePickerHandler>();
+    int answers = 0;
+    handler->handleWith(H5HandlerInputParams(device.screen("page"), {}, [&](const Value&) { ++answers; }));
+    auto picker = device.pickers().shownDocumentPickers().at(0);
+    if (!releaseAfterPick) handler.reset();
+    EXPECT_TRUE(picker->pickDocuments({fileUrl("README")}));
+    handler.reset();
+    settle();
+    EXPECT_EQ(answers, 0) << releaseAfterPick;
+    EXPECT_TRUE(device.pickers().shownDocumentPickers().empty());
+  }
+}
+
 TEST(FilePickerVerdictTest, RulesApplyInOrder) {
   const auto dir = std::filesystem::path(VANTU_RUNNER_CASES) / "files";
   const auto props = [&](std::string name, std::int64_t size, std::string file) {
