@@ -50,12 +50,10 @@ void FilePickerHandler::processFiles(const std::vector<std::string>& urls, H5Fil
     });
     group->leave();
   }
+  // The limit is read here, on the main thread, where it is set.
   group->notify(bgQueue_, [weak = weakSelf(this), group, collected, restrictions = std::move(restrictions),
-                           callback = std::move(callback)] {
-    auto self = weak.lock();
-    if (!self) return;
-    const auto maxReadBytes = self->maxReadBytes_;
-    self.reset();  // the answer does not need the handler
+                           callback = std::move(callback), maxReadBytes = maxReadBytes_] {
+    if (weak.expired()) return;
     Array entries;
     entries.reserve(collected->results.size());
     for (const auto& result : collected->results) entries.emplace_back(entryFor(result, restrictions, maxReadBytes));
