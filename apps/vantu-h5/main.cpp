@@ -50,6 +50,8 @@ int runCall(const std::string& scenarioPath, const std::string& dataDir, double 
                                    : std::make_unique<vantu::sim::SimDevice>(std::filesystem::path(dataDir));
   auto& device = *devicePtr;
   device.install();
+  // Files the scenario names (picked images and documents) are relative to it.
+  if (!scenarioPath.empty()) device.pickers().baseDirectory = std::filesystem::absolute(scenarioPath).parent_path();
   if (auto error = device.apply(scenario)) {
     std::cerr << "vantu-h5: scenario " << scenarioPath << ": " << *error << "\n";
     return 2;

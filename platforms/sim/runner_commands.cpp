@@ -4,6 +4,7 @@
 #include <set>
 
 #include "platforms/sim/keyboard_runner_command.h"
+#include "platforms/sim/pickers_runner_command.h"
 #include "vantu/platform/activity_view_controller.h"
 #include "vantu/platform/alert_controller.h"
 
@@ -129,7 +130,9 @@ std::optional<std::string> answerAuthenticationCommand(HeadlessRunner& runner, c
 std::vector<std::pair<std::string, HeadlessRunner::Command>> familyRunnerCommands() {
   return {{"tap", tapCommand}, {"closeShareSheet", closeShareSheetCommand},
           {"keyboard", keyboardCommand}, {"answerPrompt", answerPromptCommand},
-          {"answerAuthentication", answerAuthenticationCommand}};
+          {"answerAuthentication", answerAuthenticationCommand},
+          {"pickImage", pickImageCommand}, {"pickDocuments", pickDocumentsCommand},
+          {"cancelPicker", cancelPickerCommand}};
 }
 
 }  // namespace vantu::sim

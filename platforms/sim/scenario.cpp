@@ -15,6 +15,7 @@ const std::vector<ScenarioSection>& scenarioSections() {
       {"deviceOwnerAuthentication", loadDeviceOwnerAuthenticationSection},
       {"http", loadHttpSection},
       {"photoLibrary", loadPhotoLibrarySection},
+      {"pickers", loadPickersSection},
       {"screens", loadScreensSection},
       {"defaultScreen", loadDefaultScreenSection},
   };

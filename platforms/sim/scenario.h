@@ -50,5 +50,7 @@ std::optional<std::string> loadDeviceOwnerAuthenticationSection(SimDevice& devic
 // The transport's report order and the photo library (scenario_http.cpp).
 std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);
+// What the user picks in the image and document pickers (scenario_pickers.cpp).
+std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value);
 
 }  // namespace vantu::sim

@@ -48,6 +48,7 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
       locationServices_(std::make_shared<SimLocationServices>(dispatch_, authorization_)),
       geocoder_(std::make_shared<SimGeocoder>(dispatch_, effects_)),
       deviceOwnerAuthentication_(std::make_shared<SimDeviceOwnerAuthentication>(dispatch_, effects_)),
+      pickers_(std::make_shared<SimPickers>(dispatch_)),
       platform_(std::make_shared<Platform>()) {
   platform_->dispatch = dispatch_;
   platform_->application = application_;
@@ -60,6 +61,10 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->locationServices = locationServices_;
   platform_->geocoder = geocoder_;
   platform_->deviceOwnerAuthentication = deviceOwnerAuthentication_;
+  facts_->dispatch = dispatch_.get();
+  effects_->setPresentationObserver([weak = std::weak_ptr<SimPickers>(pickers_)](const auto& controller) {
+    if (auto pickers = weak.lock()) pickers->presented(controller);
+  });
   dataDirectory_ = std::move(dataDirectory);
   transport_ = std::make_shared<curl::CurlTransport>(dispatch_);
   photoLibrary_ = std::make_shared<SimPhotoLibrary>(dispatch_, effects_, dataDirectory_ / "PhotoLibrary");

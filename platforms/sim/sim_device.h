@@ -17,6 +17,7 @@
 #include "platforms/sim/sim_dispatch.h"
 #include "platforms/sim/sim_notification_center.h"
 #include "platforms/sim/sim_photo_library.h"
+#include "platforms/sim/sim_pickers.h"
 #include "platforms/sim/sim_reachability.h"
 #include "platforms/sim/sim_images.h"
 #include "platforms/sim/sim_location.h"
@@ -47,6 +48,9 @@ class SimDeviceFacts : public DeviceFacts {
   std::optional<std::string> language = "en";
   std::optional<std::string> radioTechnology = "CTRadioAccessTechnologyLTE";
   bool onDevice = true;
+  /// The wall clock at virtual time zero; it moves with the virtual clock.
+  double clockAtStart = 1700000000.125;
+  const SimDispatch* dispatch = nullptr;
 
  protected:
   std::optional<Dict> mainBundleInfo() const override { return info; }
@@ -55,6 +59,9 @@ class SimDeviceFacts : public DeviceFacts {
   std::optional<std::string> localeLanguageCode() const override { return language; }
   std::optional<std::string> currentRadioAccessTechnology() const override { return radioTechnology; }
   bool runningOnDevice() const override { return onDevice; }
+  double currentTimeSince1970() const override {
+    return clockAtStart + (dispatch ? std::chrono::duration<double>(dispatch->now()).count() : 0.0);
+  }
 };
 
 class SimDevice {
@@ -88,6 +95,7 @@ class SimDevice {
   SimLocationServices& locationServices() { return *locationServices_; }
   SimGeocoder& geocoder() { return *geocoder_; }
   SimDeviceOwnerAuthentication& deviceOwnerAuthentication() { return *deviceOwnerAuthentication_; }
+  SimPickers& pickers() { return *pickers_; }
   /// Where the preferences store (platforms/store) keeps its database.
   /// Real HTTP transfers (libcurl); each holds outstanding work on the
   /// loop until it has reported, so `settle` waits for it.
@@ -135,6 +143,7 @@ class SimDevice {
   std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
   std::shared_ptr<curl::CurlTransport> transport_;
   std::shared_ptr<SimPhotoLibrary> photoLibrary_;
+  std::shared_ptr<SimPickers> pickers_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;
   bool ownsDataDirectory_ = false;

@@ -1,5 +1,8 @@
 #include "platforms/sim/sim_ui.h"
 
+#include "vantu/platform/document_picker_controller.h"
+#include "vantu/platform/image_picker_controller.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -81,6 +84,8 @@ void recordPresentation(EffectLog& log, std::string_view effect, const ViewContr
       record.set("alert", alertValue(*alert));
     } else if (const auto* sheet = dynamic_cast<const ActivityViewController*>(&presented)) {
       record.set("share", shareValue(*sheet));
+    } else if (auto picker = pickerValue(presented)) {
+      record.set("picker", std::move(*picker));
     }
   }
   log.record(std::move(record));
@@ -107,6 +112,30 @@ Dict shareValue(const ActivityViewController& sheet) {
   return Dict{{"text", std::move(text)}, {"image", std::move(image)}};
 }
 
+std::optional<Dict> pickerValue(const ViewController& controller) {
+  if (const auto* image = dynamic_cast<const ImagePickerController*>(&controller)) {
+    const bool camera = image->sourceType() == ImagePickerSource::camera;
+    Dict value{{"source", camera ? "camera" : image->sourceType() == ImagePickerSource::photoLibrary ? "photoLibrary"
+                                                                                                       : "savedPhotosAlbum"}};
+    if (camera) {
+      value.set("cameraDevice", image->cameraDevice() == ImagePickerController::CameraDevice::front ? "front" : "rear");
+    }
+    value.set("allowsEditing", image->allowsEditing());
+    return value;
+  }
+  if (const auto* documents = dynamic_cast<const DocumentPickerController*>(&controller)) {
+    Array types;
+    for (const auto& type : documents->documentTypes()) types.emplace_back(type);
+    return Dict{{"types", std::move(types)},
+                {"mode", documents->mode() == DocumentPickerController::Mode::importCopy ? "import" : "open"},
+                {"multipleSelection", documents->allowsMultipleSelection()},
+                {"style", documents->modalPresentationStyle() == DocumentPickerController::PresentationStyle::popover
+                              ? "popover"
+                              : "fullScreen"}};
+  }
+  return std::nullopt;
+}
+
 Value frameValue(const Rect& r) { return Array{r.x, r.y, r.width, r.height}; }
 
 Value colorValue(const std::optional<Color>& c) {
@@ -121,6 +150,8 @@ std::string describe(const ViewController* vc) {
   if (!vc->name().empty()) return vc->name();
   if (dynamic_cast<const AlertController*>(vc)) return "alert";
   if (dynamic_cast<const ActivityViewController*>(vc)) return "shareSheet";
+  if (dynamic_cast<const ImagePickerController*>(vc)) return "imagePicker";
+  if (dynamic_cast<const DocumentPickerController*>(vc)) return "documentPicker";
   return "unnamed view controller";
 }
 
@@ -137,6 +168,7 @@ std::shared_ptr<View> SimViewController::loadView() { return namedRootView(log_,
 
 void SimViewController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
   recordPresentation(*log_, "present", *this, *presented, animated);
+  log_->presented(presented);
 }
 
 void SimViewController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
@@ -160,6 +192,7 @@ void SimNavigationController::didPush(const std::shared_ptr<ViewController>& pus
 
 void SimNavigationController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
   recordPresentation(*log_, "present", *this, *presented, animated);
+  log_->presented(presented);
 }
 
 void SimNavigationController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
@@ -178,6 +211,7 @@ std::shared_ptr<View> SimTabBarController::loadView() { return namedRootView(log
 
 void SimTabBarController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
   recordPresentation(*log_, "present", *this, *presented, animated);
+  log_->presented(presented);
 }
 
 void SimTabBarController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {

@@ -3,6 +3,7 @@
 // record what the library did to them as effects, which the headless runner
 // reports and tests inspect.
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -18,12 +19,21 @@ namespace vantu::sim {
 /// What the library did to the simulated UI, in order.
 class EffectLog {
  public:
+  using PresentationObserver = std::function<void(const std::shared_ptr<ViewController>&)>;
+
   void record(Dict effect) { effects_.push_back(std::move(effect)); }
+  /// The simulated UI's presenting hook beyond the record: the device
+  /// shows pickers from here.
+  void setPresentationObserver(PresentationObserver observer) { observer_ = std::move(observer); }
+  void presented(const std::shared_ptr<ViewController>& controller) {
+    if (observer_) observer_(controller);
+  }
   std::vector<Dict> take() { return std::exchange(effects_, {}); }
   const std::vector<Dict>& peek() const { return effects_; }
 
  private:
   std::vector<Dict> effects_;
+  PresentationObserver observer_;
 };
 
 Value frameValue(const Rect& r);
@@ -36,13 +46,18 @@ void recordViewChange(EffectLog& log, const View& view, View::Change change);
 /// "animated"}; a refused presentation adds "showing" (what `on` already
 /// presents). An unnamed alert reads "alert" and, when presented or
 /// refused, adds "alert" (alertValue); an unnamed share sheet reads
-/// "shareSheet" and adds "share" (shareValue).
+/// "shareSheet" and adds "share" (shareValue); an unnamed image picker
+/// reads "imagePicker" and a document picker "documentPicker", adding
+/// "picker" (pickerValue).
 void recordPresentation(EffectLog& log, std::string_view effect, const ViewController& on,
                         const ViewController& presented, bool animated);
 /// {"title", "message", "buttons": [titles in order]}
 Dict alertValue(const AlertController& alert);
 /// {"text": text or null, "image": {"width", "height"} or null}
 Dict shareValue(const ActivityViewController& sheet);
+/// Image picker: {"source", "cameraDevice" (camera only), "allowsEditing"};
+/// document picker: {"types", "mode", "multipleSelection", "style"}.
+std::optional<Dict> pickerValue(const ViewController& controller);
 
 /// A view model that reports every change of a named view.
 template <class Base>

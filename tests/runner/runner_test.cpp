@@ -85,6 +85,7 @@ TEST_P(RunnerCases, ProducesTheExpectedLines) {
 
   SimDevice device;
   device.install();
+  device.pickers().baseDirectory = VANTU_RUNNER_CASES;
   if (const Value* scenario = spec->find("scenario")) {
     auto error = device.apply(*scenario);
     ASSERT_FALSE(error) << *error;

@@ -40,6 +40,23 @@ TEST(Base64Test, RandomBytesRoundTrip) {
   EXPECT_EQ(decode(encode(all)), all);
 }
 
+// Any split of the input into pieces gives the one-shot text.
+TEST(Base64Test, StreamingMatchesOneShot) {
+  std::mt19937 rng(11);
+  std::vector<std::uint8_t> bytes(200);
+  for (auto& b : bytes) b = static_cast<std::uint8_t>(rng());
+  for (std::size_t len : {0, 1, 2, 3, 4, 5, 7, 100, 200}) {
+    const auto input = std::span(bytes).first(len);
+    for (std::size_t piece = 1; piece <= 8; ++piece) {
+      std::string out = "x";
+      StreamingEncoder encoder(out);
+      for (std::size_t at = 0; at < len; at += piece) encoder.append(input.subspan(at, std::min(piece, len - at)));
+      encoder.finish();
+      EXPECT_EQ(out, "x" + encode(input)) << len << " in pieces of " << piece;
+    }
+  }
+}
+
 TEST(Base64Test, StrictDecodeRejects) {
   for (const char* text : {"Zg=", "Zg", "Z", "Z===", "====", "=Zm9", "Zg=a", "Zm9v\n", "Zm 9v", "Zm9v====",
                            "Zg==Zg==", "Zm-v", "Zm_v", "Zm9\x80", "Zm9v Zg=="}) {

@@ -16,7 +16,13 @@ namespace payload {
 
 Dict flatError(std::int64_t code, std::string_view message) { return Dict{{"error", code}, {"message", message}}; }
 
-Dict success(Value value) { return Dict{{"data", std::move(value)}}; }
+Dict success(Value value) {
+  // Not an initializer list: that would copy the value, which can be a
+  // large file's text.
+  Dict answer;
+  answer.set("data", std::move(value));
+  return answer;
+}
 
 Dict successFlag() { return Dict{{"data", Dict{{"success", true}}}}; }
 

@@ -1,6 +1,7 @@
 #pragma once
 // Facts of the device and of the host application bundle.
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,8 @@ class DeviceFacts {
   /// False only when the library runs in a simulator rather than on a
   /// device (reachability descriptions show it).
   bool isRunningOnDevice() const { return runningOnDevice(); }
+  /// The device's clock: seconds since 1970-01-01 00:00 UTC.
+  double secondsSince1970() const { return currentTimeSince1970(); }
 
  protected:
   virtual std::optional<Dict> mainBundleInfo() const = 0;
@@ -36,6 +39,9 @@ class DeviceFacts {
   virtual std::optional<std::string> localeLanguageCode() const = 0;
   virtual std::optional<std::string> currentRadioAccessTechnology() const = 0;
   virtual bool runningOnDevice() const { return true; }
+  virtual double currentTimeSince1970() const {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+  }
 };
 
 }  // namespace vantu

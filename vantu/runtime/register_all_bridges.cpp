@@ -2,6 +2,7 @@
 #include "vantu/container/container_bridges.h"
 #include "vantu/device/device_bridges.h"
 #include "vantu/net/net_bridges.h"
+#include "vantu/pickers/picker_bridges.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/storage/storage_bridges.h"
 
@@ -13,6 +14,7 @@ void registerAllBridges(BridgeRegistry& registry) {
   registry.addAll(StorageBridges{});
   registry.addAll(DeviceBridges{});
   registry.addAll(NetBridges{});
+  registry.addAll(PickerBridges{});
 }
 
 }  // namespace vantu

@@ -1,6 +1,7 @@
 #include "vantu/value/base64.h"
 
 #include <array>
+#include <cstring>
 
 namespace vantu::base64 {
 
@@ -31,35 +32,77 @@ std::string encode(std::span<const std::uint8_t> bytes) {
   return out;
 }
 
+namespace {
+
+// Every 12-bit value's two output characters: 3 input bytes become two
+// lookups and two 2-byte stores, a loop without branches that the
+// compiler unrolls.
+using CharPair = std::array<char, 2>;
+
+constexpr std::array<CharPair, 4096> makePairTable() {
+  std::array<CharPair, 4096> table{};
+  for (std::size_t i = 0; i < table.size(); ++i) table[i] = {kAlphabet[i >> 6], kAlphabet[i & 0x3F]};
+  return table;
+}
+
+constexpr std::array<CharPair, 4096> kPairs = makePairTable();
+
+// Encodes `groups` whole 3-byte groups from `src` into `dst`.
+void encodeGroups(const std::uint8_t* src, std::size_t groups, char* dst) {
+  for (std::size_t g = 0; g < groups; ++g, src += 3, dst += 4) {
+    const std::uint32_t n = (std::uint32_t{src[0]} << 16) | (std::uint32_t{src[1]} << 8) | src[2];
+    std::memcpy(dst, kPairs[n >> 12].data(), 2);
+    std::memcpy(dst + 2, kPairs[n & 0xFFF].data(), 2);
+  }
+}
+
+// Writes the last group of one or two bytes with its padding.
+void encodeTail(const std::uint8_t* src, std::size_t count, char* dst) {
+  const std::uint32_t n = (std::uint32_t{src[0]} << 16) | (count == 2 ? std::uint32_t{src[1]} << 8 : 0);
+  dst[0] = kAlphabet[(n >> 18) & 0x3F];
+  dst[1] = kAlphabet[(n >> 12) & 0x3F];
+  dst[2] = count == 2 ? kAlphabet[(n >> 6) & 0x3F] : '=';
+  dst[3] = '=';
+}
+
+}  // namespace
+
 void encodeAppend(std::string& out, std::span<const std::uint8_t> bytes) {
   const std::size_t start = out.size();
   out.resize(start + encodedLength(bytes.size()));
-  char* dst = out.data() + start;
-  const std::uint8_t* src = bytes.data();
-  std::size_t remaining = bytes.size();
-  while (remaining >= 3) {
-    const std::uint32_t n = (std::uint32_t{src[0]} << 16) | (std::uint32_t{src[1]} << 8) | src[2];
-    dst[0] = kAlphabet[(n >> 18) & 0x3F];
-    dst[1] = kAlphabet[(n >> 12) & 0x3F];
-    dst[2] = kAlphabet[(n >> 6) & 0x3F];
-    dst[3] = kAlphabet[n & 0x3F];
-    src += 3;
-    dst += 4;
-    remaining -= 3;
+  const std::size_t groups = bytes.size() / 3;
+  encodeGroups(bytes.data(), groups, out.data() + start);
+  if (const std::size_t rest = bytes.size() % 3) encodeTail(bytes.data() + groups * 3, rest, out.data() + start + groups * 4);
+}
+
+void StreamingEncoder::append(std::span<const std::uint8_t> bytes) {
+  if (pendingCount_ > 0) {
+    // Complete the waiting group first.
+    while (pendingCount_ < 2 && !bytes.empty()) {
+      pending_[pendingCount_++] = bytes.front();
+      bytes = bytes.subspan(1);
+    }
+    if (bytes.empty()) return;
+    const std::uint8_t group[3] = {pending_[0], pending_[1], bytes.front()};
+    bytes = bytes.subspan(1);
+    pendingCount_ = 0;
+    const std::size_t at = out_.size();
+    out_.resize(at + 4);
+    encodeGroups(group, 1, out_.data() + at);
   }
-  if (remaining == 1) {
-    const std::uint32_t n = std::uint32_t{src[0]} << 16;
-    dst[0] = kAlphabet[(n >> 18) & 0x3F];
-    dst[1] = kAlphabet[(n >> 12) & 0x3F];
-    dst[2] = '=';
-    dst[3] = '=';
-  } else if (remaining == 2) {
-    const std::uint32_t n = (std::uint32_t{src[0]} << 16) | (std::uint32_t{src[1]} << 8);
-    dst[0] = kAlphabet[(n >> 18) & 0x3F];
-    dst[1] = kAlphabet[(n >> 12) & 0x3F];
-    dst[2] = kAlphabet[(n >> 6) & 0x3F];
-    dst[3] = '=';
-  }
+  const std::size_t groups = bytes.size() / 3;
+  const std::size_t at = out_.size();
+  out_.resize(at + groups * 4);
+  encodeGroups(bytes.data(), groups, out_.data() + at);
+  for (std::size_t i = groups * 3; i < bytes.size(); ++i) pending_[pendingCount_++] = bytes[i];
+}
+
+void StreamingEncoder::finish() {
+  if (pendingCount_ == 0) return;
+  const std::size_t at = out_.size();
+  out_.resize(at + 4);
+  encodeTail(pending_, pendingCount_, out_.data() + at);
+  pendingCount_ = 0;
 }
 
 // Unused low bits of the last character before the padding ("QR==" instead

@@ -16,6 +16,23 @@ std::string encode(std::span<const std::uint8_t> bytes);
 /// Appends the encoding of `bytes` to `out` (no intermediate copy).
 void encodeAppend(std::string& out, std::span<const std::uint8_t> bytes);
 
+/// Encodes bytes that arrive in pieces (a file read chunk by chunk) onto
+/// the end of `out`, with the same text as one `encodeAppend` of all of
+/// them. Up to two bytes of a piece wait for the next one; `finish` writes
+/// them with the padding. Reserving `encodedLength(total)` in `out` first
+/// keeps the text in one allocation.
+class StreamingEncoder {
+ public:
+  explicit StreamingEncoder(std::string& out) : out_(out) {}
+  void append(std::span<const std::uint8_t> bytes);
+  void finish();
+
+ private:
+  std::string& out_;
+  std::uint8_t pending_[2] = {};
+  std::size_t pendingCount_ = 0;
+};
+
 /// Strict decoding: nullopt on any character outside the alphabet, bad
 /// padding or a length that is not a multiple of four.
 std::optional<std::vector<std::uint8_t>> decode(std::string_view text);
