@@ -12,16 +12,16 @@ std::optional<std::string> keyboardCommand(HeadlessRunner& runner, const Dict& l
   std::shared_ptr<ScrollView> scrollView;
   Point offset;
   if (const Value* scrollTo = line.find("scrollTo"); scrollTo && !scrollTo->isNull()) {
-    const Dict* spec = scrollTo->asDict();
-    if (!spec) return std::string("\"scrollTo\" must be an object");
-    for (const auto& [key, value] : *spec) {
+    const Dict* scroll = scrollTo->asDict();
+    if (!scroll) return std::string("\"scrollTo\" must be an object");
+    for (const auto& [key, value] : *scroll) {
       if (key.text() != "view" && key.text() != "offset") return "\"scrollTo\": unknown field \"" + key.text() + "\"";
     }
-    auto name = spec->getString("view");
+    auto name = scroll->getString("view");
     if (!name) return std::string("\"scrollTo.view\" must be the name of a scroll view");
     scrollView = std::dynamic_pointer_cast<ScrollView>(runner.device().findView(*name));
     if (!scrollView) return "\"scrollTo.view\": no scroll view named \"" + *name + "\"";
-    auto xy = spec->getArray("offset");
+    auto xy = scroll->getArray("offset");
     if (!xy || xy->size() != 2 || !(*xy)[0].isNumber() || !(*xy)[1].isNumber()) {
       return std::string("\"scrollTo.offset\" must be [x, y]");
     }

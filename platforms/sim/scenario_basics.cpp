@@ -33,20 +33,20 @@ std::optional<Rect> readRect(const Value& value) {
   return Rect{v[0], v[1], v[2], v[3]};
 }
 
-Error readOptionalBool(const Dict& spec, std::string_view key, std::optional<bool>& out) {
-  const Value* v = spec.find(key);
+Error readOptionalBool(const Dict& given, std::string_view key, std::optional<bool>& out) {
+  const Value* v = given.find(key);
   if (!v || v->isNull()) return std::nullopt;
   if (!v->isBool()) return fmt::format("\"{}\" must be a boolean", key);
   out = *v->asBool();
   return std::nullopt;
 }
 
-Error loadAnswer(SimHostDelegate& delegate, const Key& operation, const Value& spec) {
+Error loadAnswer(SimHostDelegate& delegate, const Key& operation, const Value& given) {
   std::optional<ScriptedAnswer> answer;
-  if (const std::string* text = spec.asString()) {
+  if (const std::string* text = given.asString()) {
     if (*text != "default") return fmt::format("answer for \"{}\" must be an object or \"default\"", operation.text());
   } else {
-    auto parsed = parseScriptedAnswer(spec);
+    auto parsed = parseScriptedAnswer(given);
     if (auto* reason = std::get_if<std::string>(&parsed)) return fmt::format("answer for \"{}\": {}", operation.text(), *reason);
     answer = std::get<ScriptedAnswer>(parsed);
   }
@@ -61,8 +61,8 @@ Error loadAnswer(SimHostDelegate& delegate, const Key& operation, const Value& s
   return std::nullopt;
 }
 
-Error loadObject(SimDevice& device, const std::string& name, const Value& spec) {
-  const Dict* d = spec.asDict();
+Error loadObject(SimDevice& device, const std::string& name, const Value& given) {
+  const Dict* d = given.asDict();
   if (!d) return fmt::format("\"{}\" must be an object", name);
   auto kind = d->getString("kind").value_or("delegate");
   if (kind == "object") {
@@ -88,8 +88,8 @@ Error loadObject(SimDevice& device, const std::string& name, const Value& spec) 
   return std::nullopt;
 }
 
-Error buildView(SimDevice& device, View& parent, const Value& spec, const std::string& path) {
-  const Dict* d = spec.asDict();
+Error buildView(SimDevice& device, View& parent, const Value& given, const std::string& path) {
+  const Dict* d = given.asDict();
   if (!d) return path + " must be an object";
   auto kind = d->getString("kind").value_or("view");
   auto name = d->getString("name").value_or("");
@@ -120,40 +120,40 @@ Error buildView(SimDevice& device, View& parent, const Value& spec, const std::s
   return std::nullopt;
 }
 
-Error attachValues(SimDevice& device, ViewController& vc, const Dict& spec, const std::string& path) {
-  if (const Value* delegate = spec.find("delegate"); delegate && !delegate->isNull()) {
+Error attachValues(SimDevice& device, ViewController& vc, const Dict& given, const std::string& path) {
+  if (const Value* delegate = given.find("delegate"); delegate && !delegate->isNull()) {
     const std::string* name = delegate->asString();
     if (!name) return path + ".delegate must be the name of an entry of \"delegates\"";
     auto object = device.object(*name);
     if (!object) return fmt::format("{}.delegate: no delegate named \"{}\"", path, *name);
     setVH5ViewControllerDelegate(vc, object);
   }
-  if (const Value* id = spec.find("uniqueAppIdentifier"); id && !id->isNull()) {
+  if (const Value* id = given.find("uniqueAppIdentifier"); id && !id->isNull()) {
     if (!id->isString()) return path + ".uniqueAppIdentifier must be a string";
     setUniqueAppIdentifier(vc, *id->asString());
   }
   std::optional<bool> flag;
-  if (auto e = readOptionalBool(spec, "isH5", flag)) return path + ": " + *e;
+  if (auto e = readOptionalBool(given, "isH5", flag)) return path + ": " + *e;
   setIsH5(vc, flag);
   flag.reset();
-  if (auto e = readOptionalBool(spec, "isHc", flag)) return path + ": " + *e;
+  if (auto e = readOptionalBool(given, "isHc", flag)) return path + ": " + *e;
   if (flag) setIsHc(vc, flag);
   flag.reset();
-  if (auto e = readOptionalBool(spec, "topSafeAreaTreatmentRequired", flag)) return path + ": " + *e;
+  if (auto e = readOptionalBool(given, "topSafeAreaTreatmentRequired", flag)) return path + ": " + *e;
   if (flag) setTopSafeAreaTreatmentRequired(vc, flag);
   flag.reset();
-  if (auto e = readOptionalBool(spec, "bottomSafeAreaTreatmentRequired", flag)) return path + ": " + *e;
+  if (auto e = readOptionalBool(given, "bottomSafeAreaTreatmentRequired", flag)) return path + ": " + *e;
   if (flag) setBottomSafeAreaTreatmentRequired(vc, flag);
-  if (const Value* type = spec.find("appType"); type && !type->isNull()) {
+  if (const Value* type = given.find("appType"); type && !type->isNull()) {
     if (!type->isString()) return path + ".appType must be a string";
     setAppTypeText(vc, *type->asString());
   }
   return std::nullopt;
 }
 
-Error buildScreen(SimDevice& device, const Value& spec, const std::string& path,
+Error buildScreen(SimDevice& device, const Value& given, const std::string& path,
                   std::shared_ptr<ViewController>& out) {
-  const Dict* d = spec.asDict();
+  const Dict* d = given.asDict();
   if (!d) return path + " must be an object";
   auto name = d->getString("name");
   if (!name || name->empty()) return path + ".name must be a non-empty string";
@@ -227,10 +227,10 @@ Error buildScreen(SimDevice& device, const Value& spec, const std::string& path,
 
 /// {"returns": "screen"}: makes a container screen per request;
 /// {"returns": null} or null: answers every request with nothing.
-Error loadViewControllerProvider(SimDevice& device, const Value& spec,
+Error loadViewControllerProvider(SimDevice& device, const Value& given,
                                  std::shared_ptr<H5ViewControllerProvider>& out) {
-  if (spec.isNull()) return std::nullopt;
-  const Dict* d = spec.asDict();
+  if (given.isNull()) return std::nullopt;
+  const Dict* d = given.asDict();
   if (!d) return std::string("\"viewControllerProvider\" must be an object or null");
   bool makesScreens = false;
   for (const auto& [key, v] : *d) {
@@ -266,8 +266,8 @@ Error loadAppSection(SimDevice& device, const Value& value) {
 Error loadObjectsSection(SimDevice& device, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object of named delegates");
-  for (const auto& [name, spec] : *d) {
-    if (auto e = loadObject(device, name.text(), spec)) return e;
+  for (const auto& [name, given] : *d) {
+    if (auto e = loadObject(device, name.text(), given)) return e;
   }
   return std::nullopt;
 }

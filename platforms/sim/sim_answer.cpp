@@ -2,8 +2,8 @@
 
 namespace vantu::sim {
 
-std::variant<PlatformError, std::string> parsePlatformError(const Value& spec) {
-  const Dict* d = spec.asDict();
+std::variant<PlatformError, std::string> parsePlatformError(const Value& given) {
+  const Dict* d = given.asDict();
   if (!d) return std::string("an error must be an object {\"domain\", \"code\", \"message\"}");
   PlatformError error;
   error.domain = d->getString("domain").value_or("SimulatedErrorDomain");
@@ -19,8 +19,8 @@ Value platformErrorValue(const PlatformError& error) {
   return d;
 }
 
-std::variant<ScriptedAnswer, std::string> parseScriptedAnswer(const Value& spec) {
-  const Dict* d = spec.asDict();
+std::variant<ScriptedAnswer, std::string> parseScriptedAnswer(const Value& given) {
+  const Dict* d = given.asDict();
   if (!d) return std::string("an answer must be an object or \"default\"");
   ScriptedAnswer answer;
   for (const auto& [key, value] : *d) {

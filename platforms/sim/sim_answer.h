@@ -23,8 +23,8 @@ struct ScriptedAnswer {
 };
 
 /// Reads an answer; on bad input returns the reason.
-std::variant<ScriptedAnswer, std::string> parseScriptedAnswer(const Value& spec);
-std::variant<PlatformError, std::string> parsePlatformError(const Value& spec);
+std::variant<ScriptedAnswer, std::string> parseScriptedAnswer(const Value& given);
+std::variant<PlatformError, std::string> parsePlatformError(const Value& given);
 Value platformErrorValue(const PlatformError& error);
 
 }  // namespace vantu::sim

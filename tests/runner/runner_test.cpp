@@ -80,23 +80,23 @@ class RunnerCases : public testing::TestWithParam<std::string> {};
 TEST_P(RunnerCases, ProducesTheExpectedLines) {
   auto path = std::filesystem::path(VANTU_RUNNER_CASES) / GetParam();
   Value file = readJsonFile(path);
-  const Dict* spec = file.asDict();
-  ASSERT_NE(spec, nullptr);
+  const Dict* caseFile = file.asDict();
+  ASSERT_NE(caseFile, nullptr);
 
   SimDevice device;
   device.install();
   device.pickers().baseDirectory = VANTU_RUNNER_CASES;
-  if (const Value* scenario = spec->find("scenario")) {
+  if (const Value* scenario = caseFile->find("scenario")) {
     auto error = device.apply(*scenario);
     ASSERT_FALSE(error) << *error;
   }
   RunnerOptions options;
-  options.settleTimeout = std::chrono::milliseconds(spec->getInt("settleTimeoutMs").value_or(10000));
+  options.settleTimeout = std::chrono::milliseconds(caseFile->getInt("settleTimeoutMs").value_or(10000));
   HeadlessRunner runner(device, options);
   runner.registry().addAll(BridgeList<AnswerTwiceHandler, AnswerLaterHandler, PrintingHandler, ThreadedHandler>{});
 
-  auto lines = spec->getArray("lines").value_or(Array{});
-  auto expected = spec->getArray("expect").value_or(Array{});
+  auto lines = caseFile->getArray("lines").value_or(Array{});
+  auto expected = caseFile->getArray("expect").value_or(Array{});
   std::vector<Value> outputs;
   for (const Value& line : lines) {
     std::string text = line.isString() ? *line.asString() : json::write(line);
