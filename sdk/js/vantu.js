@@ -70,8 +70,7 @@
       "\"; the page is not running inside a vantu-h5 container";
   }
 
-  // Sends one call and returns its id, or a message saying why it could
-  // not be sent.
+  // Sends one call: {id}, or {problem, message} saying why it could not.
   function send(name, data, entry) {
     var id = ++lastId;
     var text;
@@ -101,7 +100,9 @@
     if (sent.problem === "bad-argument") throw new TypeError(sent.message);
     if (sent.problem === "no-native") {
       // Answered like a refused native call, and never before call returns.
-      later(function () { onAnswer({ error: NO_NATIVE_CODE, message: sent.message }); });
+      later(function () {
+        try { onAnswer({ error: NO_NATIVE_CODE, message: sent.message }); } catch (e) { report(e); }
+      });
       return 0;
     }
     return sent.id;
