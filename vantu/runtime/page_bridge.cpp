@@ -28,6 +28,11 @@ PageBridge::PageBridge(std::shared_ptr<BridgeRegistry> registry, Evaluate evalua
 
 PageBridge::~PageBridge() { channel_->open = false; }
 
+void PageBridge::setObserver(PageObserver observer) {
+  observer_ = std::move(observer);
+  channel_->observe = observer_.answer;
+}
+
 bool PageBridge::isAllowed(const Origin& origin) {
   if (!origin.topFrame) return false;
   auto url = Url::parse(origin.pageUrl);
@@ -42,7 +47,6 @@ Receipt PageBridge::receive(std::string_view text, const Origin& origin) {
     }
     return Receipt::refused;
   }
-  channel_->observe = observer_.answer;
   auto parsed = parseMessage(text);
   if (auto* malformed = std::get_if<MalformedMessage>(&parsed)) {
     if (!malformed->id) {

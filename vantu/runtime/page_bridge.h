@@ -52,7 +52,7 @@ class PageBridge {
 
   /// The screen whose calls these are (the handlers' calling view controller).
   void setScreen(std::weak_ptr<ViewController> screen) { screen_ = std::move(screen); }
-  void setObserver(PageObserver observer) { observer_ = std::move(observer); }
+  void setObserver(PageObserver observer);
 
   /// Whether a message from `origin` may call bridges.
   static bool isAllowed(const Origin& origin);
