@@ -197,6 +197,32 @@ TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
   EXPECT_EQ(screen->presentedViewController(), nullptr);
 }
 
+TEST_F(ContainerE2E, TheShareDialogCopiesTheTextAndCloses) {
+  writePage("share.html", R"js(
+    vantu.call("vantuShareText", {text: "look at this"}, function (a) { document.title = "done:" + JSON.stringify(a); });)js");
+  auto screen = stack->open(url("share.html"));
+  EXPECT_EQ(waitForTitle(screen), R"({"data":{"success":true}})");
+  auto sheet = screen->presentedViewController();
+  ASSERT_NE(sheet, nullptr);
+  auto buttons = dialogButtons(*sheet);
+  ASSERT_EQ(buttons.size(), 2u);  // "Copy text", "Close"
+  g_signal_emit_by_name(buttons[0], "clicked");
+  std::string copied;
+  gdk_clipboard_read_text_async(
+      gtk_widget_get_clipboard(buttons[0]), nullptr,
+      [](GObject* clipboard, GAsyncResult* result, gpointer out) {
+        char* text = gdk_clipboard_read_text_finish(GDK_CLIPBOARD(clipboard), result, nullptr);
+        *static_cast<std::string*>(out) = text ? text : "(none)";
+        g_free(text);
+      },
+      &copied);
+  ASSERT_TRUE(runMainContextUntil([&] { return !copied.empty(); }, kWait));
+  EXPECT_EQ(copied, "look at this");
+  g_signal_emit_by_name(buttons[1], "clicked");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_TRUE(dialogButtons(*sheet).empty());
+}
+
 TEST_F(ContainerE2E, ANavigationOutsideTheWhitelistShowsTheErrorPage) {
   // "localhost" is not on the list; 127.0.0.1 is.
   writePage("leave.html", "location.href = location.href.replace('127.0.0.1', 'localhost');");
