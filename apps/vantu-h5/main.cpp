@@ -9,6 +9,9 @@
 #include <sstream>
 
 #include "platforms/sim/headless_runner.h"
+#ifdef VANTU_HAVE_GTK
+#include "apps/vantu-h5/run_command.h"
+#endif
 #include "vantu/core/version_util.h"
 #include "vantu/value/json.h"
 
@@ -80,7 +83,30 @@ int main(int argc, char** argv) {
   call->add_option("--settle-timeout", settleSeconds, "Seconds to wait for real I/O a call started")
       ->check(CLI::Range(0.0, 3600.0));
 
+#ifdef VANTU_HAVE_GTK
+  vantu::cli::RunOptions run;
+  auto* runCommand = app.add_subcommand("run", "Open a mini-app directory (served on 127.0.0.1) or a URL in the container");
+  runCommand->add_option("target", run.target, "Mini-app directory or URL")->required();
+  runCommand->add_option("--page", run.page, "Page of the directory to open first")->capture_default_str();
+  runCommand->add_option("--app-id", run.appId, "Unique app id of the screens (default: the directory name or the URL)");
+  runCommand->add_option("--app-type", run.appType, "miniapp or generic")->capture_default_str();
+  runCommand->add_option("--data-dir", run.dataDir, "Directory for persisted data (default: $XDG_DATA_HOME/vantu-h5)");
+  runCommand->add_option("--allow-domain", run.allowDomains, "Web domain whose pages may call bridges (repeatable)");
+  runCommand->add_option("--device-profile", run.deviceProfile, "Scenario file whose \"permissions\" the device has")
+      ->check(CLI::ExistingFile);
+  runCommand->add_flag("--self-test", run.selfTest, "Open the page with ?selftest=1 and wait for its verdict in the title");
+  runCommand->add_option("--screenshot", run.screenshot, "With --self-test: write the final page as PNG");
+  runCommand->add_option("--timeout", run.timeoutSeconds, "With --self-test: seconds to wait for the verdict")
+      ->check(CLI::Range(1.0, 3600.0))
+      ->capture_default_str();
+  runCommand->add_flag("--inspector", run.inspector, "Enable and open WebKit's inspector");
+  runCommand->add_flag("--quiet", run.quiet, "Do not print the bridge-call log");
+#endif
+
   CLI11_PARSE(app, argc, argv);
   if (call->parsed()) return runCall(scenarioPath, dataDir, settleSeconds);
+#ifdef VANTU_HAVE_GTK
+  if (runCommand->parsed()) return vantu::cli::runContainer(run);
+#endif
   return 0;
 }

@@ -41,6 +41,10 @@ std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& val
 
 // Authorisation states and prompt answers (scenario_permissions.cpp).
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
+class SimAuthorization;
+/// The same section applied to an authorisation port of its own (a real
+/// platform that takes its device capabilities from a profile).
+std::optional<std::string> loadPermissions(SimAuthorization& authorization, const Value& value);
 
 // Location services and the geocoder (scenario_location.cpp).
 std::optional<std::string> loadLocationSection(SimDevice& device, const Value& value);

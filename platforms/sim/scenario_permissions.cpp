@@ -46,6 +46,10 @@ Error readResource(const std::string& name, const Value& v, SimAuthorization::Re
 }  // namespace
 
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value) {
+  return loadPermissions(device.authorization(), value);
+}
+
+std::optional<std::string> loadPermissions(SimAuthorization& authorization, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object keyed by resource name");
   // Check everything first, so that a bad entry changes nothing.
@@ -54,11 +58,11 @@ std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value
     const std::string name = key.text();
     auto resource = protectedResourceNamed(name);
     if (!resource) return fmt::format("unknown resource \"{}\"", name);
-    SimAuthorization::Resource res = device.authorization().resource(*resource);
+    SimAuthorization::Resource res = authorization.resource(*resource);
     if (auto error = readResource(name, field, res)) return error;
     changes.emplace_back(*resource, res);
   }
-  for (auto& [resource, res] : changes) device.authorization().resource(resource) = res;
+  for (auto& [resource, res] : changes) authorization.resource(resource) = res;
   return std::nullopt;
 }
 

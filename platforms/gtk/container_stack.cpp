@@ -1,0 +1,57 @@
+#include "platforms/gtk/container_stack.h"
+
+#include "vantu/container/startup_params.h"
+#include "vantu/container/vantu_h5_container_customizer.h"
+#include "vantu/container/vantu_h5_web_view_customizer.h"
+#include "vantu/core/view_controller_context.h"
+#include "vantu/platform/platform.h"
+
+namespace vantu::gtk {
+
+ContainerStack::ContainerStack(ContainerOptions options)
+    : options_(std::move(options)),
+      window_(std::make_shared<ContainerWindow>(options_.width, options_.height)),
+      navigation_(std::make_shared<ContainerNavigationController>()) {
+  window_->setNavigationController(navigation_);
+  auto& application = *platform().application;
+  application.setKeyWindow(window_);
+  application.setMainScreenBounds(window_->frame());
+  application.setStatusBarFrame(Rect{0, 0, window_->frame().width, ContainerWindow::kStatusStripHeight});
+}
+
+std::shared_ptr<ContainerScreen> ContainerStack::open(const std::string& url, const Dict& containerFlags,
+                                                      const Dict& webViewFlags) {
+  auto screen = makeScreen(url, options_.uniqueAppId, webViewFlags);
+  navigation_->pushViewController(screen, false);
+  VantuH5ContainerCustomizer::customize(*screen, navigation_, containerFlags);
+  gtk_window_present(window_->gtkWindow());
+  return screen;
+}
+
+std::shared_ptr<ContainerScreen> ContainerStack::topScreen() const {
+  const auto& stack = navigation_->viewControllers();
+  return stack.empty() ? nullptr : std::dynamic_pointer_cast<ContainerScreen>(stack.back());
+}
+
+std::shared_ptr<ViewController> ContainerStack::viewControllerWith(std::shared_ptr<ViewController>, Dict params,
+                                                                   Dict customizationParams, Dict webViewFlags,
+                                                                   std::string uniqueAppId) {
+  auto url = params.getString(StartupParams::url);
+  if (!url) return nullptr;
+  auto screen = makeScreen(*url, uniqueAppId, webViewFlags);
+  VantuH5ContainerCustomizer::customize(*screen, navigation_, customizationParams);
+  return screen;
+}
+
+std::shared_ptr<ContainerScreen> ContainerStack::makeScreen(const std::string& url, const std::string& uniqueAppId,
+                                                            const Dict& webViewFlags) {
+  auto screen = ContainerScreen::make(ContainerWebView::make(options_.webView));
+  setUniqueAppIdentifier(*screen, uniqueAppId);
+  setIsH5(*screen, true);
+  setAppType(*screen, options_.appType);
+  VantuH5WebViewCustomizer::customize(screen->webView(), webViewFlags);
+  screen->webView()->load(url);
+  return screen;
+}
+
+}  // namespace vantu::gtk

@@ -1,0 +1,184 @@
+#include "platforms/gtk/container_web_view.h"
+
+#include <glib/gmarkup.h>
+
+#include "platforms/gtk/glib_main_context.h"
+#include "vantu/container/h5_provider_error.h"
+#include "vantu/core/laizaxlu.h"
+#include "vantu/core/url.h"
+#include "vantu/runtime/js_sdk.h"
+
+namespace vantu::gtk {
+namespace {
+
+constexpr const char* kWorld = "vantu";
+constexpr const char* kHandler = "vantuBridge";
+
+// Runs in the isolated world; takes only string messages, and tells the SDK
+// it took one by cancelling the event.
+constexpr const char* kRelay = R"js(document.addEventListener("vantu:post", function (event) {
+  if (typeof event.detail !== "string") return;
+  event.preventDefault();
+  window.webkit.messageHandlers.vantuBridge.postMessage(event.detail);
+});)js";
+
+/// Into the top frame at document start; `world` null: the page's own world.
+void addScript(WebKitUserContentManager* manager, const char* source, const char* world) {
+  const auto frames = WEBKIT_USER_CONTENT_INJECT_TOP_FRAME;
+  const auto time = WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START;
+  WebKitUserScript* script = world ? webkit_user_script_new_for_world(source, frames, time, world, nullptr, nullptr)
+                                   : webkit_user_script_new(source, frames, time, nullptr, nullptr);
+  webkit_user_content_manager_add_script(manager, script);
+  webkit_user_script_unref(script);
+}
+
+bool passesWhitelist(const std::string& uri) {
+  auto url = Url::parse(uri);
+  return url && Laizaxlu::shared().isURLWhitelisted(*url);
+}
+
+}  // namespace
+
+std::shared_ptr<ContainerWebView> ContainerWebView::make(const WebViewConfig& config) {
+  auto view = std::make_shared<ContainerWebView>(config);
+  view->installScrollView(std::make_shared<ScrollView>());
+  return view;
+}
+
+ContainerWebView::ContainerWebView(const WebViewConfig& config)
+    : contentManager_(webkit_user_content_manager_new()),
+      bridge_(config.registry, [this](std::string script) {
+        webkit_web_view_evaluate_javascript(webView_, script.data(), static_cast<gssize>(script.size()), nullptr,
+                                            nullptr, nullptr, nullptr, nullptr);
+      }) {
+  bridge_.setObserver(config.observer);
+  webkit_user_content_manager_register_script_message_handler(contentManager_, kHandler, kWorld);
+  const std::string sdk(javascriptSdkSource());
+  addScript(contentManager_, sdk.c_str(), nullptr);
+  addScript(contentManager_, kRelay, kWorld);
+
+  webView_ = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "user-content-manager", contentManager_, nullptr));
+  g_object_ref_sink(webView_);
+  gtk_widget_set_vexpand(widget(), TRUE);
+  gtk_widget_set_hexpand(widget(), TRUE);
+  WebKitSettings* settings = webkit_web_view_get_settings(webView_);
+  webkit_settings_set_enable_developer_extras(settings, config.developerExtras);
+
+  g_signal_connect(contentManager_, "script-message-received::vantuBridge", G_CALLBACK(onMessage), this);
+  g_signal_connect(webView_, "decide-policy", G_CALLBACK(onDecidePolicy), this);
+  g_signal_connect(webView_, "load-changed", G_CALLBACK(onLoadChanged), this);
+  g_signal_connect(webView_, "notify::title", G_CALLBACK(onTitle), this);
+}
+
+ContainerWebView::~ContainerWebView() {
+  g_signal_handlers_disconnect_by_data(contentManager_, this);
+  g_signal_handlers_disconnect_by_data(webView_, this);
+  webkit_user_content_manager_unregister_script_message_handler(contentManager_, kHandler, kWorld);
+  g_object_unref(webView_);
+  g_object_unref(contentManager_);
+}
+
+void ContainerWebView::load(const std::string& url) { webkit_web_view_load_uri(webView_, url.c_str()); }
+
+std::string ContainerWebView::uri() const {
+  const char* uri = webkit_web_view_get_uri(webView_);
+  return uri ? uri : "";
+}
+
+std::string ContainerWebView::title() const {
+  const char* title = webkit_web_view_get_title(webView_);
+  return title ? title : "";
+}
+
+std::optional<std::string> ContainerWebView::saveSnapshot(const std::string& pngPath, Duration timeout) {
+  struct Pending {
+    bool finished = false;
+    std::optional<std::string> error;
+    std::string path;
+  };
+  auto pending = std::make_shared<Pending>();
+  pending->path = pngPath;
+  webkit_web_view_get_snapshot(
+      webView_, WEBKIT_SNAPSHOT_REGION_VISIBLE, WEBKIT_SNAPSHOT_OPTIONS_NONE, nullptr,
+      [](GObject* source, GAsyncResult* result, gpointer data) {
+        auto* state = static_cast<std::shared_ptr<Pending>*>(data);
+        GError* error = nullptr;
+        GdkTexture* texture = webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(source), result, &error);
+        if (!texture) {
+          (*state)->error = error ? error->message : "no snapshot";
+          g_clear_error(&error);
+        } else {
+          if (!gdk_texture_save_to_png(texture, (*state)->path.c_str())) (*state)->error = "cannot write " + (*state)->path;
+          g_object_unref(texture);
+        }
+        (*state)->finished = true;
+        delete state;
+      },
+      new std::shared_ptr<Pending>(pending));
+  if (!runMainContextUntil([&] { return pending->finished; }, timeout)) return "the snapshot timed out";
+  return pending->error;
+}
+
+void ContainerWebView::didChange(Change change) {
+  if (change == Change::Hidden) gtk_widget_set_visible(widget(), !isHidden());
+}
+
+void ContainerWebView::onMessage(WebKitUserContentManager*, JSCValue* value, gpointer self) {
+  auto* view = static_cast<ContainerWebView*>(self);
+  if (!jsc_value_is_string(value)) return;  // the relay sends strings only
+  char* text = jsc_value_to_string(value);
+  // The handler is reachable from the top frame's isolated world only; the
+  // page it belongs to is the web view's current one.
+  view->bridge_.receive(text, page::Origin{true, view->uri()});
+  g_free(text);
+}
+
+gboolean ContainerWebView::onDecidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
+                                          WebKitPolicyDecisionType type, gpointer self) {
+  // WebKitGTK does not say which frame a navigation action is for; the
+  // response of a main-frame load does, and nothing of a refused page is
+  // shown before it.
+  if (type != WEBKIT_POLICY_DECISION_TYPE_RESPONSE) return FALSE;
+  auto* response = WEBKIT_RESPONSE_POLICY_DECISION(decision);
+  if (!webkit_response_policy_decision_is_main_frame_main_resource(response)) return FALSE;
+  auto* view = static_cast<ContainerWebView*>(self);
+  const std::string uri = webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(response));
+  if (!view->errorPageFor_.empty() && uri == view->errorPageFor_) return FALSE;
+  if (uri.rfind("about:", 0) == 0 || passesWhitelist(uri)) return FALSE;
+  webkit_policy_decision_ignore(decision);
+  view->refuse(uri);
+  return TRUE;
+}
+
+void ContainerWebView::refuse(const std::string& url) {
+  errorPageFor_ = url;
+  const std::string html = refusedPageHtml(url);
+  webkit_web_view_load_alternate_html(webView_, html.c_str(), url.c_str(), nullptr);
+}
+
+std::string ContainerWebView::refusedPageHtml(const std::string& url) {
+  const auto error = H5ProviderError::urlDomainWhitelistingError();
+  auto escape = [](const std::string& text) {
+    char* escaped = g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size()));
+    std::string result(escaped);
+    g_free(escaped);
+    return result;
+  };
+  return "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><title>" + escape(error.message()) +
+         "</title></head><body style=\"font-family:sans-serif;margin:2em\"><h2>" + escape(error.message()) +
+         "</h2><p>" + escape(error.localizedDescription()) + "</p><p><code>" + escape(url) +
+         "</code></p></body></html>";
+}
+
+void ContainerWebView::onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
+  auto* view = static_cast<ContainerWebView*>(self);
+  if (event == WEBKIT_LOAD_COMMITTED) view->bridge_.pageReplaced();
+  if (event == WEBKIT_LOAD_FINISHED && view->uri() != view->errorPageFor_) view->errorPageFor_.clear();
+}
+
+void ContainerWebView::onTitle(GObject*, GParamSpec*, gpointer self) {
+  auto* view = static_cast<ContainerWebView*>(self);
+  if (view->titleListener_) view->titleListener_(view->title());
+}
+
+}  // namespace vantu::gtk

@@ -1,0 +1,14 @@
+#pragma once
+// The platform bundle of the GTK container: the Linux bundle with its main
+// queue on GLib's main context (the one GTK runs), so bridge work, GTK and
+// WebKit share the main thread.
+
+#include "platforms/linux/linux_platform.h"
+
+namespace vantu::gtk {
+
+/// Initialises GTK when needed (false when there is no display) and builds
+/// the bundle; the caller installs `platform`. Call on the main thread.
+std::optional<linux_platform::LinuxPlatform> makeGtkPlatform(linux_platform::LinuxPlatformOptions options);
+
+}  // namespace vantu::gtk

@@ -1,0 +1,176 @@
+/*
+ * vantu-h5 JavaScript SDK: how a page calls the native bridges.
+ *
+ * A plain script (no modules, no build step) that the container injects
+ * into the top frame before the page's own scripts run. Loading it again,
+ * by the container or by the page, changes nothing.
+ *
+ *   vantu.call(name, data, callback)    callback runs once per answer
+ *   vantu.invoke(name, data, {timeout}) Promise of the first answer
+ *
+ * See docs/js-sdk.md.
+ */
+(function (root) {
+  "use strict";
+
+  if (root.vantu && root.vantu.__vantuSdk === true) return;
+
+  /*
+   * Transport, page -> native. Takes the message text
+   * JSON.stringify({id, bridge, data}) and returns whether a native side
+   * took it. The native listener of "vantu:post" takes a message by calling
+   * event.preventDefault(); an event that nobody takes means the page is not
+   * running in a container (a plain browser, say), and the call fails at once.
+   * The native side may change this body as long as that meaning is kept.
+   */
+  function post(messageText) {
+    var doc = root.document;
+    if (!doc || typeof doc.dispatchEvent !== "function" || typeof root.CustomEvent !== "function") return false;
+    return !doc.dispatchEvent(new root.CustomEvent("vantu:post", { detail: messageText, cancelable: true }));
+  }
+
+  var VERSION = "1.0.0";
+  var NO_NATIVE_CODE = 2;
+
+  class VantuError extends Error {
+    constructor(code, message, bridge) {
+      super(message);
+      this.name = "VantuError";
+      this.code = code;        // "no-native" | "timeout" | "unload" | "bad-argument"
+      this.bridge = bridge;
+    }
+  }
+
+  // id -> {bridge, onAnswer, invoke}. Calls live until the page goes away;
+  // an invoke's entry is removed at its first answer, timeout or unload.
+  var pending = new Map();
+  var lastId = 0;
+
+  function report(error) {
+    // An exception in a page's callback must not break the delivery of
+    // other answers; it still reaches the console.
+    if (typeof root.reportError === "function") root.reportError(error);
+    else root.setTimeout(function () { throw error; }, 0);
+  }
+
+  function later(fn) {
+    if (typeof root.queueMicrotask === "function") root.queueMicrotask(fn);
+    else Promise.resolve().then(fn);
+  }
+
+  function argumentProblem(name, data) {
+    if (typeof name !== "string" || name.length === 0) return "the bridge name must be a non-empty string";
+    if (data !== undefined && data !== null && (typeof data !== "object" || Array.isArray(data)))
+      return "the data of \"" + name + "\" must be an object";
+    return null;
+  }
+
+  function noNativeMessage(name) {
+    return "vantu: no native side answered the call to \"" + name +
+      "\"; the page is not running inside a vantu-h5 container";
+  }
+
+  // Sends one call: {id}, or {problem, message} saying why it could not.
+  function send(name, data, entry) {
+    var id = ++lastId;
+    var text;
+    try {
+      text = JSON.stringify({ id: id, bridge: name, data: data == null ? {} : data });
+    } catch (e) {
+      return { problem: "bad-argument", message: "vantu: the data of \"" + name + "\" cannot be sent as JSON: " + e.message };
+    }
+    entry.id = id;
+    pending.set(id, entry);
+    var taken = false;
+    try { taken = post(text) === true; } catch (e) { taken = false; }
+    if (!taken) {
+      pending.delete(id);
+      return { problem: "no-native", message: noNativeMessage(name) };
+    }
+    return { id: id };
+  }
+
+  function call(name, data, callback) {
+    var problem = argumentProblem(name, data);
+    if (problem) throw new TypeError("vantu.call: " + problem);
+    if (callback !== undefined && typeof callback !== "function")
+      throw new TypeError("vantu.call: the callback of \"" + name + "\" must be a function");
+    var onAnswer = callback || function () {};
+    var sent = send(name, data, { bridge: name, onAnswer: onAnswer, invoke: false });
+    if (sent.problem === "bad-argument") throw new TypeError(sent.message);
+    if (sent.problem === "no-native") {
+      // Answered like a refused native call, and never before call returns.
+      later(function () {
+        try { onAnswer({ error: NO_NATIVE_CODE, message: sent.message }); } catch (e) { report(e); }
+      });
+      return 0;
+    }
+    return sent.id;
+  }
+
+  function invoke(name, data, options) {
+    return new Promise(function (resolve, reject) {
+      var problem = argumentProblem(name, data);
+      var timeout = options == null ? undefined : options.timeout;
+      if (!problem && options != null && typeof options !== "object") problem = "the options must be an object";
+      if (!problem && timeout !== undefined && !(typeof timeout === "number" && timeout >= 0 && isFinite(timeout)))
+        problem = "the timeout must be a finite number of milliseconds, 0 or more";
+      if (problem) { reject(new VantuError("bad-argument", "vantu.invoke: " + problem, name)); return; }
+
+      var timer = null;
+      var settled = false;
+      var entry = {
+        bridge: name,
+        invoke: true,
+        onAnswer: function (payload) { if (settle()) resolve(payload); },
+        onFail: function (error) { if (settle()) reject(error); },
+      };
+      function settle() {
+        if (settled) return false;
+        settled = true;
+        pending.delete(entry.id);
+        if (timer !== null) root.clearTimeout(timer);
+        return true;
+      }
+      var sent = send(name, data, entry);
+      if (sent.problem) { reject(new VantuError(sent.problem, sent.message, name)); return; }
+      if (timeout !== undefined && !settled) {
+        timer = root.setTimeout(function () {
+          entry.onFail(new VantuError("timeout", "vantu: \"" + name + "\" gave no answer within " + timeout + " ms", name));
+        }, timeout);
+      }
+    });
+  }
+
+  // Native -> page: called by the container once per answer.
+  function deliver(id, payload) {
+    var entry = pending.get(id);
+    if (!entry) return;
+    try { entry.onAnswer(payload); } catch (e) { report(e); }
+  }
+
+  // A page that goes away can no longer be answered: its waiting promises
+  // are rejected rather than left hanging. Callbacks of `call` are kept, as
+  // a page restored from the back-forward cache may still be answered.
+  function rejectWaiting() {
+    Array.from(pending.values()).forEach(function (entry) {
+      if (entry.invoke)
+        entry.onFail(new VantuError("unload", "vantu: the page was unloaded before \"" + entry.bridge + "\" answered", entry.bridge));
+    });
+  }
+  if (typeof root.addEventListener === "function") root.addEventListener("pagehide", rejectWaiting);
+
+  var sdk = Object.freeze({
+    __vantuSdk: true,
+    version: VERSION,
+    call: call,
+    invoke: invoke,
+    VantuError: VantuError,
+    __deliver: deliver,
+  });
+  try {
+    Object.defineProperty(root, "vantu", { value: sdk, enumerable: true, writable: false, configurable: false });
+  } catch (e) {
+    root.vantu = sdk;  // a page's own non-configurable `vantu` global
+  }
+})(typeof window !== "undefined" ? window : globalThis);

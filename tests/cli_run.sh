@@ -1,0 +1,25 @@
+#!/bin/sh
+# `vantu-h5 run --self-test` end to end (on a display; see with_display.sh):
+# the demo passes, its calls and answers are logged and the screenshot is a
+# PNG; a page that reports a failure makes the command fail.
+set -eu
+cli=$1
+demo=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+"$cli" run "$demo" --self-test --screenshot "$work/shot.png" --data-dir "$work/data" --timeout 120 >"$work/log" 2>&1 || {
+  cat "$work/log"; echo "the demo's self-test failed"; exit 1; }
+grep -q '^self-test: done' "$work/log" || { cat "$work/log"; echo "no verdict printed"; exit 1; }
+calls=$(grep -c '\] call   #' "$work/log")
+answers=$(grep -c '\] answer #' "$work/log")
+[ "$calls" -gt 0 ] && [ "$answers" -gt 0 ] || { cat "$work/log"; echo "no calls or answers logged"; exit 1; }
+[ "$(head -c 8 "$work/shot.png" | od -An -tx1 | tr -d ' \n')" = "89504e470d0a1a0a" ] || { echo "the screenshot is not a PNG"; exit 1; }
+
+mkdir "$work/failing"
+printf '%s' '<html><body><script>vantu.call("vantuDeviceName", {}, function () { document.title = "vantu-selftest:failed: on purpose"; });</script></body></html>' >"$work/failing/index.html"
+if "$cli" run "$work/failing" --self-test --data-dir "$work/data" --timeout 60 >"$work/log2" 2>&1; then
+  cat "$work/log2"; echo "a failing self-test exited 0"; exit 1
+fi
+grep -q '^self-test: failed: on purpose' "$work/log2" || { cat "$work/log2"; echo "wrong verdict"; exit 1; }
+echo "run ok ($calls calls, $answers answers)"

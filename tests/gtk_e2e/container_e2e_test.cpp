@@ -1,0 +1,238 @@
+// Real pages in the WebKitGTK container calling real bridges through the
+// injected SDK. Runs under a display (ctest wraps it in xvfb-run without one).
+// Each page reports what it saw by setting its title to "done:<json>".
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platforms/gtk/container_stack.h"
+#include "platforms/gtk/directory_server.h"
+#include "platforms/gtk/glib_main_context.h"
+#include "platforms/gtk/gtk_dialogs.h"
+#include "platforms/gtk/gtk_platform.h"
+#include "vantu/container/h5_provider_error.h"
+#include "vantu/core/laizaxlu.h"
+#include "vantu/platform/alert_controller.h"
+#include "vantu/value/json.h"
+
+namespace vantu::gtk {
+namespace {
+
+namespace fs = std::filesystem;
+constexpr auto kWait = std::chrono::seconds(30);
+
+class ContainerE2E : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    root() = fs::temp_directory_path() / ("vantu-e2e-" + std::to_string(::getpid()));
+    fs::create_directories(root() / "pages");
+    linux_platform::LinuxPlatformOptions options;
+    options.dataDirectory = root() / "data";
+    auto bundle = makeGtkPlatform(options);
+    ASSERT_TRUE(bundle) << "no display";
+    installPlatform(bundle->platform);
+    server() = std::make_unique<DirectoryServer>(root() / "pages");
+  }
+  static void TearDownTestSuite() {
+    server().reset();
+    fs::remove_all(root());
+  }
+
+  void SetUp() override {
+    ASSERT_TRUE(server());
+    Laizaxlu::shared().setupWhiteListWebDomains({"127.0.0.1"});
+    ContainerOptions options;
+    options.uniqueAppId = "e2e.mini";
+    options.webView.registry = std::make_shared<BridgeRegistry>();
+    registerAllBridges(*options.webView.registry);
+    options.webView.observer.call = [this](const page::Message& m) { calls.push_back(m.bridge); };
+    options.webView.observer.answer = [this](std::int64_t, std::string_view bridge, const Value& answer) {
+      answers.push_back(std::string(bridge) + " " + json::write(answer));
+    };
+    stack = std::make_shared<ContainerStack>(options);
+    Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(stack, nullptr, nullptr));
+  }
+  void TearDown() override {
+    Laizaxlu::shared().setupWith(nullptr);
+    stack.reset();
+  }
+
+  static fs::path& root() {
+    static fs::path path;
+    return path;
+  }
+  static std::unique_ptr<DirectoryServer>& server() {
+    static std::unique_ptr<DirectoryServer> s;
+    return s;
+  }
+  static std::string url(const std::string& page) { return server()->origin() + "/" + page; }
+
+  /// Writes a page whose body runs `script` (the SDK is already there).
+  static void writePage(const std::string& name, const std::string& script, const std::string& body = "") {
+    std::ofstream(root() / "pages" / name) << "<!DOCTYPE html><html><head><title>loading</title></head><body>" << body
+                                           << "<script>\n" << script << "\n</script></body></html>";
+  }
+
+  /// Waits until the screen's title starts with `prefix`; returns the rest.
+  std::string waitForTitle(const std::shared_ptr<ContainerScreen>& screen, const std::string& prefix = "done:") {
+    std::string title;
+    runMainContextUntil([&] { return (title = screen->webView()->title()).rfind(prefix, 0) == 0; }, kWait);
+    EXPECT_EQ(title.rfind(prefix, 0), 0u) << "title: " << title;
+    return title.rfind(prefix, 0) == 0 ? title.substr(prefix.size()) : "";
+  }
+
+  static Value parse(const std::string& text) {
+    auto parsed = json::parse(text);
+    EXPECT_TRUE(parsed.ok()) << text;
+    return parsed.ok() ? parsed.value() : Value();
+  }
+
+  std::shared_ptr<ContainerStack> stack;
+  std::vector<std::string> calls;
+  std::vector<std::string> answers;
+};
+
+// A page helper: calls bridges one after the other, then reports every
+// first answer in the title.
+constexpr const char* kSequence = R"js(
+function sequence(steps) {
+  var results = [];
+  (function next(i) {
+    if (i === steps.length) { document.title = "done:" + JSON.stringify(results); return; }
+    vantu.call(steps[i][0], steps[i][1], function (answer) { results.push(answer); next(i + 1); });
+  })(0);
+}
+)js";
+
+TEST_F(ContainerE2E, StorageDeviceInfoAndAppearanceBridgesAnswerThePage) {
+  writePage("basics.html", std::string(kSequence) + R"js(sequence([
+    ["vantuSaveData", {data: {theme: "dark", n: 3}}],
+    ["vantuGetData", {keys: ["theme", "n", "missing"]}],
+    ["vantuDeviceManufacturer", {}],
+    ["noSuchBridge", {}],
+    ["vantuChangeStatusBarColor", {color: "#ff8800"}],
+    ["vantuShowTitleBar", {value: false}]
+  ]);)js");
+  auto screen = stack->open(url("basics.html"));
+  auto results = parse(waitForTitle(screen));
+  ASSERT_TRUE(results.isArray());
+  const auto& r = *results.asArray();
+  ASSERT_EQ(r.size(), 6u);
+  EXPECT_EQ(json::write(r[0]), R"({"data":{}})");
+  EXPECT_EQ(json::write(r[1]), R"({"data":{"theme":"dark","n":3,"missing":""}})");
+  EXPECT_TRUE(r[2].asDict() && r[2].asDict()->getString("data")) << json::write(r[2]);
+  EXPECT_EQ(json::write(r[3]), R"({"error":2,"message":"Unknown bridge: noSuchBridge"})");
+  EXPECT_TRUE(stack->window()->statusStripVisible());
+  EXPECT_FALSE(gtk_widget_get_visible(stack->navigation()->bar()->widget()));
+  EXPECT_EQ(calls.size(), 6u);
+}
+
+TEST_F(ContainerE2E, MalformedMessagesGetAnErrorAnswerForTheirId) {
+  writePage("malformed.html", R"js(
+    var taken = !document.dispatchEvent(new CustomEvent("vantu:post", {detail: '{"id": 900, "bridge": 5}', cancelable: true}));
+    document.dispatchEvent(new CustomEvent("vantu:post", {detail: 'not json', cancelable: true}));
+    vantu.call("vantuDeviceManufacturer", {}, function () { document.title = "done:" + taken; });)js");
+  auto screen = stack->open(url("malformed.html"));
+  EXPECT_EQ(waitForTitle(screen), "true");
+  ASSERT_GE(answers.size(), 1u);
+  EXPECT_EQ(answers[0], R"( {"error":2,"message":"Malformed bridge message: \"bridge\" must be a non-empty string"})");
+}
+
+TEST_F(ContainerE2E, FramesInsideThePageCannotReachTheBridges) {
+  writePage("frame.html", R"js(
+    var seen = {
+      sdk: typeof window.vantu,
+      handlers: typeof (window.webkit && window.webkit.messageHandlers),
+      taken: !document.dispatchEvent(new CustomEvent("vantu:post",
+          {detail: JSON.stringify({id: 1, bridge: "vantuDeviceManufacturer", data: {}}), cancelable: true}))
+    };
+    parent.postMessage(JSON.stringify(seen), "*");)js");
+  writePage("parent.html", R"js(
+    window.addEventListener("message", function (event) {
+      // Give a stray call time to arrive before reporting.
+      setTimeout(function () { document.title = "done:" + event.data; }, 300);
+    });)js",
+            R"(<iframe src="frame.html"></iframe>)");
+  auto screen = stack->open(url("parent.html"));
+  auto seen = parse(waitForTitle(screen));
+  ASSERT_TRUE(seen.isDict());
+  EXPECT_EQ(json::write(seen), R"({"sdk":"undefined","handlers":"undefined","taken":false})");
+  EXPECT_TRUE(calls.empty());
+}
+
+TEST_F(ContainerE2E, PushWindowOpensTheNextPageOnTheStack) {
+  writePage("second.html", std::string(kSequence) + R"js(sequence([["vantuGetData", {keys: ["visited"]}]]);)js");
+  writePage("first.html", R"js(
+    vantu.call("vantuSaveData", {data: {visited: "yes"}}, function () {
+      vantu.call("pushWindow", {url: location.origin + "/second.html", params: {}}, function (a) {
+        document.title = "fail:" + JSON.stringify(a);
+      });
+    });)js");
+  auto first = stack->open(url("first.html"));
+  ASSERT_TRUE(runMainContextUntil([&] { return stack->navigation()->viewControllers().size() == 2; }, kWait));
+  auto second = stack->topScreen();
+  ASSERT_NE(second, first);
+  EXPECT_EQ(waitForTitle(second), R"([{"data":{"visited":"yes"}}])");
+  stack->navigation()->pop();
+  EXPECT_EQ(stack->topScreen(), first);
+}
+
+TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
+  writePage("alert.html", R"js(
+    vantu.call("showAlert", {title: "Pay?", message: "Pay 20 000 VND", type: "custom", buttons: ["Yes", "No"]},
+               function (a) { document.title = "done:" + JSON.stringify(a); });)js");
+  auto screen = stack->open(url("alert.html"));
+  std::shared_ptr<AlertController> alert;
+  ASSERT_TRUE(runMainContextUntil([&] {
+    alert = std::dynamic_pointer_cast<AlertController>(screen->presentedViewController());
+    return alert != nullptr;
+  }, kWait));
+  auto buttons = dialogButtons(*alert);
+  ASSERT_EQ(buttons.size(), 2u);
+  EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(buttons[1])), "No");
+  g_signal_emit_by_name(buttons[1], "clicked");
+  EXPECT_EQ(waitForTitle(screen), R"({"data":{"success":true}})");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+}
+
+TEST_F(ContainerE2E, TheShareDialogCopiesTheTextAndCloses) {
+  writePage("share.html", R"js(
+    vantu.call("vantuShareText", {text: "look at this"}, function (a) { document.title = "done:" + JSON.stringify(a); });)js");
+  auto screen = stack->open(url("share.html"));
+  EXPECT_EQ(waitForTitle(screen), R"({"data":{"success":true}})");
+  auto sheet = screen->presentedViewController();
+  ASSERT_NE(sheet, nullptr);
+  auto buttons = dialogButtons(*sheet);
+  ASSERT_EQ(buttons.size(), 2u);  // "Copy text", "Close"
+  g_signal_emit_by_name(buttons[0], "clicked");
+  std::string copied;
+  gdk_clipboard_read_text_async(
+      gtk_widget_get_clipboard(buttons[0]), nullptr,
+      [](GObject* clipboard, GAsyncResult* result, gpointer out) {
+        char* text = gdk_clipboard_read_text_finish(GDK_CLIPBOARD(clipboard), result, nullptr);
+        *static_cast<std::string*>(out) = text ? text : "(none)";
+        g_free(text);
+      },
+      &copied);
+  ASSERT_TRUE(runMainContextUntil([&] { return !copied.empty(); }, kWait));
+  EXPECT_EQ(copied, "look at this");
+  g_signal_emit_by_name(buttons[1], "clicked");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_TRUE(dialogButtons(*sheet).empty());
+}
+
+TEST_F(ContainerE2E, ANavigationOutsideTheWhitelistShowsTheErrorPage) {
+  // "localhost" is not on the list; 127.0.0.1 is.
+  writePage("leave.html", "location.href = location.href.replace('127.0.0.1', 'localhost');");
+  auto screen = stack->open(url("leave.html"));
+  const std::string message = H5ProviderError::urlDomainWhitelistingError().message();
+  std::string title;
+  ASSERT_TRUE(runMainContextUntil([&] { return (title = screen->webView()->title()) == message; }, kWait)) << title;
+  EXPECT_EQ(screen->webView()->uri().rfind("http://localhost:", 0), 0u);
+  EXPECT_FALSE(page::PageBridge::isAllowed({true, screen->webView()->uri()}));
+}
+
+}  // namespace
+}  // namespace vantu::gtk

@@ -1,0 +1,75 @@
+#pragma once
+// One page's end of the page protocol: takes the page's message texts,
+// refuses what may not call bridges, runs the calls through a registry and
+// sends every answer back as a delivery script.
+//
+// The gate: only the top frame of a page whose URL passes the environment's
+// web-domain check (`Laizaxlu::isURLWhitelisted`) may call. A refused
+// message gets no answer at all: a frame that may not call bridges learns
+// nothing from them. Everything else gets an answer: a malformed message
+// with a readable id gets a flat error for that id, an unknown bridge the
+// registry's flat error.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vantu/platform/view_controller.h"
+#include "vantu/runtime/bridge_registry.h"
+#include "vantu/runtime/page_message.h"
+
+namespace vantu::page {
+
+/// Where a message came from, as the container knows it.
+struct Origin {
+  bool topFrame = false;
+  /// The URL of the page the message came from.
+  std::string pageUrl;
+};
+
+/// What happened to one message.
+enum class Receipt { dispatched, malformedAnswered, malformedDropped, refused };
+
+/// Watches the traffic (the command's call log).
+struct PageObserver {
+  std::function<void(const Message&)> call;
+  std::function<void(std::int64_t id, std::string_view bridge, const Value& answer)> answer;
+  /// A message that was refused or could not be read at all.
+  std::function<void(std::string_view reason)> rejected;
+};
+
+class PageBridge {
+ public:
+  /// Runs a script in the page's top frame (its main world).
+  using Evaluate = std::function<void(std::string script)>;
+
+  PageBridge(std::shared_ptr<BridgeRegistry> registry, Evaluate evaluate);
+  ~PageBridge();
+  PageBridge(const PageBridge&) = delete;
+  PageBridge& operator=(const PageBridge&) = delete;
+
+  /// The screen whose calls these are (the handlers' calling view controller).
+  void setScreen(std::weak_ptr<ViewController> screen) { screen_ = std::move(screen); }
+  void setObserver(PageObserver observer);
+
+  /// Whether a message from `origin` may call bridges.
+  static bool isAllowed(const Origin& origin);
+
+  /// Handles one message text. Call on the main thread.
+  Receipt receive(std::string_view text, const Origin& origin);
+
+  /// A new document replaced the page: answers still owed to the old one are
+  /// dropped rather than handed to the new one.
+  void pageReplaced();
+
+ private:
+  struct Channel;
+  std::shared_ptr<BridgeRegistry> registry_;
+  std::shared_ptr<Channel> channel_;
+  std::weak_ptr<ViewController> screen_;
+  PageObserver observer_;
+};
+
+}  // namespace vantu::page
