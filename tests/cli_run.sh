@@ -22,4 +22,23 @@ if "$cli" run "$work/failing" --self-test --data-dir "$work/data" --timeout 60 >
   cat "$work/log2"; echo "a failing self-test exited 0"; exit 1
 fi
 grep -q '^self-test: failed: on purpose' "$work/log2" || { cat "$work/log2"; echo "wrong verdict"; exit 1; }
+# A device profile: the page sees its permission states and position fix.
+mkdir "$work/profiled"
+printf '%s' '{"permissions": {"camera": "denied"}, "location": {"lastFix": {"latitude": 21.0285, "longitude": 105.8542}}}' >"$work/profile.json"
+printf '%s' '<html><body><script>
+vantu.invoke("vantuCheckPermission", {permission: "camera"}).then(function (p) {
+  return vantu.invoke("vantuRequestPermission", {permission: "location"}).then(function () {
+    return vantu.invoke("vantuGetLocation", {});
+  }).then(function (l) {
+    var ok = p.data.camera === 0 && JSON.stringify(l).indexOf("21.0285") >= 0;
+    document.title = ok ? "vantu-selftest:done" : "vantu-selftest:failed: " + JSON.stringify([p, l]);
+  });
+});</script></body></html>' >"$work/profiled/index.html"
+"$cli" run "$work/profiled" --self-test --device-profile "$work/profile.json" --data-dir "$work/data" --timeout 60 \
+  >"$work/log3" 2>&1 || { cat "$work/log3"; echo "the profile was not applied"; exit 1; }
+printf '%s' '{"screens": {}}' >"$work/bad-profile.json"
+if "$cli" run "$work/profiled" --device-profile "$work/bad-profile.json" --data-dir "$work/data" >"$work/log4" 2>&1; then
+  echo "a profile with a scenario-only section was accepted"; exit 1
+fi
+grep -q 'unknown device profile section "screens"' "$work/log4" || { cat "$work/log4"; echo "wrong refusal"; exit 1; }
 echo "run ok ($calls calls, $answers answers)"

@@ -14,7 +14,7 @@
 #include "platforms/gtk/glib_main_context.h"
 #include "platforms/gtk/gtk_platform.h"
 #include "platforms/sim/scenario.h"
-#include "platforms/sim/sim_authorization.h"
+#include "platforms/sim/device_profile.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/value/json.h"
@@ -100,16 +100,11 @@ int runContainer(const RunOptions& options) {
   platformOptions.dataDirectory = dataDir;
   auto bundle = gtk::makeGtkPlatform(std::move(platformOptions));
   if (!bundle) return fail("no display to open a window on (set DISPLAY, or run under xvfb-run)");
-  if (profile) {
-    // Device capabilities come from the profile until the platform has its own.
-    auto authorization = std::make_shared<sim::SimAuthorization>(bundle->dispatch, std::make_shared<sim::EffectLog>());
-    if (const Value* permissions = profile->asDict()->find("permissions")) {
-      if (auto error = sim::loadPermissions(*authorization, *permissions)) {
-        return fail(options.deviceProfile + ": \"permissions\": " + *error);
-      }
-    }
-    bundle->platform->authorization = authorization;
-  }
+  // Device capabilities the desktop platform lacks come from the profile
+  // (the simulated device's defaults without one).
+  auto loaded = sim::DeviceProfile::load(profile ? *profile : Value(Dict{}), bundle->dispatch);
+  if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
+  std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
   installPlatform(bundle->platform);
 
   // What to open, and the web domains that may call bridges.

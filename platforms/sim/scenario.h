@@ -14,6 +14,10 @@
 namespace vantu::sim {
 
 class SimDevice;
+class SimAuthorization;
+class SimLocationServices;
+class SimGeocoder;
+class SimDeviceOwnerAuthentication;
 
 /// Applies `value` (the section's content); returns the reason on bad input.
 using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
@@ -39,18 +43,21 @@ std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Val
 // Device facts and the network (scenario_device.cpp).
 std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& value);
 
+// The device-capability sections. Each also applies to services of its own,
+// outside a simulated device (a device profile, see device_profile.h).
+
 // Authorisation states and prompt answers (scenario_permissions.cpp).
 std::optional<std::string> loadPermissionsSection(SimDevice& device, const Value& value);
-class SimAuthorization;
-/// The same section applied to an authorisation port of its own (a real
-/// platform that takes its device capabilities from a profile).
 std::optional<std::string> loadPermissions(SimAuthorization& authorization, const Value& value);
 
 // Location services and the geocoder (scenario_location.cpp).
 std::optional<std::string> loadLocationSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadLocation(SimLocationServices& services, SimGeocoder& geocoder, const Value& value);
 
 // Device-owner authentication (scenario_authentication.cpp).
 std::optional<std::string> loadDeviceOwnerAuthenticationSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadDeviceOwnerAuthentication(SimDeviceOwnerAuthentication& service, const Value& value);
+
 // The transport's report order and the photo library (scenario_http.cpp).
 std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);

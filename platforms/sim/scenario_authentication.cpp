@@ -9,9 +9,12 @@
 namespace vantu::sim {
 
 std::optional<std::string> loadDeviceOwnerAuthenticationSection(SimDevice& device, const Value& value) {
+  return loadDeviceOwnerAuthentication(device.deviceOwnerAuthentication(), value);
+}
+
+std::optional<std::string> loadDeviceOwnerAuthentication(SimDeviceOwnerAuthentication& service, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object");
-  SimDeviceOwnerAuthentication& service = device.deviceOwnerAuthentication();
   auto policyError = service.policyError;
   auto answer = service.answer;
   for (const auto& [key, field] : *d) {

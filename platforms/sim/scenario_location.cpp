@@ -94,11 +94,13 @@ Error readGeocoder(const Value& v, std::vector<Placemark>& placemarks, std::opti
 }  // namespace
 
 std::optional<std::string> loadLocationSection(SimDevice& device, const Value& value) {
+  return loadLocation(device.locationServices(), device.geocoder(), value);
+}
+
+std::optional<std::string> loadLocation(SimLocationServices& services, SimGeocoder& geocoder, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object");
   // Read into copies first, so that a bad field changes nothing.
-  SimLocationServices& services = device.locationServices();
-  SimGeocoder& geocoder = device.geocoder();
   bool enabled = services.servicesEnabled;
   std::optional<Coordinate> fix = services.lastFix;
   std::vector<Placemark> placemarks = geocoder.placemarks;

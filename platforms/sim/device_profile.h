@@ -1,0 +1,44 @@
+#pragma once
+// A device profile: the simulated device's capability services (permission
+// states and prompt answers, location and geocoding, owner authentication)
+// on a platform of their own. A real container takes the capabilities its
+// platform lacks from a profile, so page authors can try denied
+// permissions, no position fix or a failed authentication on a desktop.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "platforms/sim/sim_authentication.h"
+#include "platforms/sim/sim_authorization.h"
+#include "platforms/sim/sim_location.h"
+#include "vantu/platform/platform.h"
+#include "vantu/value/value.h"
+
+namespace vantu::sim {
+
+class DeviceProfile {
+ public:
+  /// The sections a profile may hold; each reads as in a scenario.
+  static constexpr std::string_view kSections[] = {"permissions", "location", "deviceOwnerAuthentication"};
+
+  /// Services answering on `dispatch`'s main queue, in their default
+  /// states, then changed by `profile` (an object holding any of
+  /// kSections). Returns the reason when the profile is malformed.
+  static std::variant<DeviceProfile, std::string> load(const Value& profile, std::shared_ptr<Dispatch> dispatch);
+
+  /// Puts the services into `platform`, replacing what it had for them.
+  void installInto(Platform& platform) const;
+
+ private:
+  explicit DeviceProfile(std::shared_ptr<Dispatch> dispatch);
+
+  std::shared_ptr<EffectLog> effects_;
+  std::shared_ptr<SimAuthorization> authorization_;
+  std::shared_ptr<SimLocationServices> locationServices_;
+  std::shared_ptr<SimGeocoder> geocoder_;
+  std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
+};
+
+}  // namespace vantu::sim
