@@ -129,6 +129,41 @@ TEST_F(ContainerE2E, StorageDeviceInfoAndAppearanceBridgesAnswerThePage) {
   EXPECT_EQ(calls.size(), 6u);
 }
 
+TEST_F(ContainerE2E, HttpAndDownloadBridgesReachALoopbackServer) {
+  std::ofstream(root() / "pages" / "sample.json") << R"({"greeting": "xin chào"})";
+  writePage("network.html", std::string(kSequence) + R"js(
+    var base = location.origin + "/";
+    sequence([
+      ["httpRequest", {url: base + "sample.json", method: "GET"}],
+      ["httpRequest", {url: base + "absent.json", method: "GET"}],
+      ["httpRequest", {url: base + "sample.json"}],
+      ["vantuDownloadFile", {fileName: "e2e-sample.json", fileDownloadUrl: base + "sample.json"}],
+      ["vantuGetFilePath", {fileName: "e2e-sample.json"}],
+      ["vantuRemoveFile", {fileName: "e2e-sample.json"}]
+    ]);)js");
+  auto screen = stack->open(url("network.html"));
+  auto results = parse(waitForTitle(screen));
+  ASSERT_TRUE(results.isArray());
+  const auto& r = *results.asArray();
+  ASSERT_EQ(r.size(), 6u);
+  const Dict* ok = r[0].asDict();
+  ASSERT_TRUE(ok) << json::write(r[0]);
+  EXPECT_EQ(ok->getInt("status"), 200);
+  EXPECT_EQ(ok->getString("data"), R"({"greeting": "xin chào"})");
+  EXPECT_TRUE(ok->getString("headersStr") && ok->getDict("headers"));
+  EXPECT_EQ(r[1].asDict() ? r[1].asDict()->getInt("status") : std::nullopt, 404) << json::write(r[1]);
+  EXPECT_EQ(json::write(r[2]), R"({"invalid method":2})");
+  auto download = r[3].asDict() ? r[3].asDict()->getDict("data") : std::nullopt;
+  ASSERT_TRUE(download) << json::write(r[3]);
+  EXPECT_EQ(download->getBool("success"), true) << json::write(r[3]);
+  auto path = download->getString("filePath").value_or("");
+  EXPECT_EQ(fs::path(path).filename(), "e2e-sample.json");
+  EXPECT_EQ(fs::path(path).parent_path().filename(), "H5DOWNLOADS");
+  EXPECT_EQ(json::write(r[4]), R"({"data":{"filePath":")" + path + R"(","success":true}})");
+  EXPECT_TRUE(r[5].asDict() && !r[5].asDict()->find("error")) << json::write(r[5]);
+  EXPECT_FALSE(fs::exists(path));
+}
+
 TEST_F(ContainerE2E, MalformedMessagesGetAnErrorAnswerForTheirId) {
   writePage("malformed.html", R"js(
     var taken = !document.dispatchEvent(new CustomEvent("vantu:post", {detail: '{"id": 900, "bridge": 5}', cancelable: true}));
