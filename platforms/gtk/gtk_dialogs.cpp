@@ -7,7 +7,10 @@
 
 #include "platforms/gtk/container_window.h"
 #include "vantu/platform/activity_view_controller.h"
+#include "vantu/core/diagnostics.h"
 #include "vantu/platform/alert_controller.h"
+#include "vantu/platform/document_picker_controller.h"
+#include "vantu/platform/image_picker_controller.h"
 #include "vantu/platform/platform.h"
 
 namespace vantu::gtk {
@@ -165,6 +168,22 @@ void showShareSheet(const std::shared_ptr<ActivityViewController>& sheet) {
   gtk_window_present(window);
 }
 
+// The container has no picker dialogs yet. A picker that nobody shows would
+// leave its call unanswered and its bridge busy for good, so it is
+// cancelled at once (on the main queue, after the presentation completes)
+// and the reason is printed.
+void refusePicker(const std::shared_ptr<ViewController>& presented) {
+  printDiagnostic("vantu-h5: this container has no picker dialogs yet; the picker was cancelled");
+  platform().dispatch->main()->async([weak = std::weak_ptr<ViewController>(presented)] {
+    auto picker = weak.lock();
+    if (auto documents = std::dynamic_pointer_cast<DocumentPickerController>(picker)) {
+      documents->cancel();
+    } else if (auto image = std::dynamic_pointer_cast<ImagePickerController>(picker)) {
+      image->cancel();
+    }
+  });
+}
+
 }  // namespace
 
 void showDialog(const std::shared_ptr<ViewController>& presented) {
@@ -172,6 +191,9 @@ void showDialog(const std::shared_ptr<ViewController>& presented) {
     showAlert(alert);
   } else if (auto sheet = std::dynamic_pointer_cast<ActivityViewController>(presented)) {
     showShareSheet(sheet);
+  } else if (std::dynamic_pointer_cast<DocumentPickerController>(presented) ||
+             std::dynamic_pointer_cast<ImagePickerController>(presented)) {
+    refusePicker(presented);
   }
 }
 

@@ -5,7 +5,9 @@
 // taps that action (the library dismisses the alert). Closing the dialog
 // from the window manager taps the cancel button when there is one. A share
 // sheet offers what a desktop can do with its items: copy the text to the
-// clipboard, save the image as a PNG in the pictures folder.
+// clipboard, save the image as a PNG in the pictures folder. Image and
+// document pickers have no dialog yet: they are cancelled at once, with a
+// printed line saying so, so that their calls are answered.
 
 #include <gtk/gtk.h>
 

@@ -232,6 +232,18 @@ TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
   EXPECT_EQ(screen->presentedViewController(), nullptr);
 }
 
+TEST_F(ContainerE2E, APickerWithoutADialogIsCancelledSoTheCallIsAnswered) {
+  writePage("picker.html", std::string(kSequence) + R"js(sequence([
+    ["vantuPickFile", {extensionsAllowed: ["pdf"], maxLengthPerFile: 1000, maxNumberOfFiles: 1}],
+    ["vantuPickFile", {extensionsAllowed: ["pdf"], maxLengthPerFile: 1000, maxNumberOfFiles: 1}]
+  ]);)js");
+  auto screen = stack->open(url("picker.html"));
+  // Both calls answered: the first picker did not leave the bridge busy.
+  const std::string cancelled = R"({"error":2,"message":"User cancelled the file pick operation!"})";
+  EXPECT_EQ(waitForTitle(screen), "[" + cancelled + "," + cancelled + "]");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+}
+
 TEST_F(ContainerE2E, TheShareDialogCopiesTheTextAndCloses) {
   writePage("share.html", R"js(
     vantu.call("vantuShareText", {text: "look at this"}, function (a) { document.title = "done:" + JSON.stringify(a); });)js");
