@@ -12,36 +12,12 @@ SystemPermissionHandler::Standing PhotosPermissionHandler::standing() const {
 SystemPermissionHandler::Standing LocationPermissionHandler::standing() const {
   const auto& services = platform().locationServices;
   if (!services) return Standing::unavailable;
-  switch (services->authorizationState()) {
-    case AuthorizationState::authorized:
-    case AuthorizationState::authorizedWhenInUse:
-      return Standing::granted;
-    case AuthorizationState::restricted:
-    case AuthorizationState::denied:
-      return Standing::refused;
-    case AuthorizationState::notDetermined:
-      return Standing::notAsked;
-    default:
-      return Standing::unknown;
-  }
+  return standingOf(services->authorizationState(), {.authorizedWhenInUse = true});
 }
 
 void LocationPermissionHandler::askPlatform(std::function<void(bool granted)> done) {
   if (!locPermRequester_) locPermRequester_ = std::make_shared<LocationPermissionRequester>();
   locPermRequester_->requestAuthorization(std::move(done));
-}
-
-SystemPermissionHandler::Standing MicrophonePermissionHandler::standingOf(AuthorizationState state) const {
-  switch (state) {
-    case AuthorizationState::authorized:
-      return Standing::granted;
-    case AuthorizationState::denied:
-      return Standing::refused;
-    case AuthorizationState::notDetermined:
-      return Standing::notAsked;
-    default:
-      return Standing::unknown;
-  }
 }
 
 }  // namespace vantu

@@ -50,15 +50,12 @@ class LocationPermissionHandler : public SystemPermissionHandler {
 /// The record permission knows granted, denied and undetermined only.
 class MicrophonePermissionHandler : public ResourcePermissionHandler {
  public:
-  MicrophonePermissionHandler() : ResourcePermissionHandler(ProtectedResource::microphone) {}
+  MicrophonePermissionHandler() : ResourcePermissionHandler(ProtectedResource::microphone, {.restricted = false}) {}
   // Two spaces after "us" in the shipped text.
   std::string_view settingsMessage() const override {
     return "We need access to microphone to proceed. Would you like to open settings and grant us  permission to access "
            "the Microphone?";
   }
-
- protected:
-  Standing standingOf(AuthorizationState state) const override;
 };
 
 class ContactPermissionHandler : public ResourcePermissionHandler {

@@ -38,7 +38,7 @@ void SystemPermissionHandler::requestPermission(const std::shared_ptr<ViewContro
 
 ResourcePermissionHandler::Standing ResourcePermissionHandler::standing() const {
   const auto& authorization = platform().authorization;
-  return authorization ? standingOf(authorization->state(resource_)) : Standing::unavailable;
+  return authorization ? standingOf(authorization->state(resource_), known_) : Standing::unavailable;
 }
 
 void ResourcePermissionHandler::askPlatform(std::function<void(bool granted)> done) {
@@ -47,11 +47,14 @@ void ResourcePermissionHandler::askPlatform(std::function<void(bool granted)> do
   });
 }
 
-ResourcePermissionHandler::Standing ResourcePermissionHandler::standingOf(AuthorizationState state) const {
+SystemPermissionHandler::Standing SystemPermissionHandler::standingOf(AuthorizationState state, KnownStates known) {
   switch (state) {
     case AuthorizationState::authorized:
       return Standing::granted;
+    case AuthorizationState::authorizedWhenInUse:
+      return known.authorizedWhenInUse ? Standing::granted : Standing::unknown;
     case AuthorizationState::restricted:
+      return known.restricted ? Standing::refused : Standing::unknown;
     case AuthorizationState::denied:
       return Standing::refused;
     case AuthorizationState::notDetermined:

@@ -30,6 +30,14 @@ class SystemPermissionHandler : public PermissionHandler {
   virtual std::string_view settingsMessage() const = 0;
 
  protected:
+  /// The platform states a kind's table holds besides authorized, denied
+  /// and notDetermined; any other state has no answer.
+  struct KnownStates {
+    bool authorizedWhenInUse = false;  // granted, for the location
+    bool restricted = true;            // refused; the microphone has no such state
+  };
+  static Standing standingOf(AuthorizationState state, KnownStates known);
+
   virtual Standing standing() const = 0;
   /// Shows the system prompt; `done` gets whether access was granted.
   virtual void askPlatform(std::function<void(bool granted)> done) = 0;
@@ -41,16 +49,16 @@ class SystemPermissionHandler : public PermissionHandler {
 /// `authorized`).
 class ResourcePermissionHandler : public SystemPermissionHandler {
  public:
-  explicit ResourcePermissionHandler(ProtectedResource resource) : resource_(resource) {}
+  explicit ResourcePermissionHandler(ProtectedResource resource, KnownStates known = {})
+      : resource_(resource), known_(known) {}
 
  protected:
   Standing standing() const override;
   void askPlatform(std::function<void(bool granted)> done) override;
-  /// The usual table: authorized; restricted and denied; notDetermined.
-  virtual Standing standingOf(AuthorizationState state) const;
 
  private:
   ProtectedResource resource_;
+  KnownStates known_;
 };
 
 }  // namespace vantu
