@@ -1,9 +1,11 @@
 // The Linux photo library keeps only real pictures, under fresh names; the
-// documents directory follows the options, then the XDG data home.
+// documents directory follows the options, then the XDG data home; the
+// standard-output console writes each line with a newline.
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <cstdio>
 #include <fstream>
 
 #include "platforms/linux/linux_photo_library.h"
@@ -16,10 +18,9 @@ namespace fs = std::filesystem;
 
 /// A 1 x 1 BMP (24 bits per pixel).
 Bytes onePixelBmp() {
-  std::vector<std::uint8_t> b = {'B', 'M', 58, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0,
-                                 1, 0, 24, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0x13, 0x0B, 0, 0, 0x13, 0x0B, 0, 0, 0, 0, 0, 0,
-                                 0, 0, 0, 0, 10, 20, 30, 0};
-  return Bytes{b};
+  return Bytes{std::vector<std::uint8_t>{'B', 'M', 58, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0, 0, 40, 0, 0, 0, 1, 0, 0, 0, 1, 0,
+                                        0, 0, 1, 0, 24, 0, 0, 0, 0, 0, 4, 0, 0, 0, 0x13, 0x0B, 0, 0, 0x13, 0x0B, 0, 0,
+                                        0, 0, 0, 0, 0, 0, 0, 0, 10, 20, 30, 0}};
 }
 
 TEST(LinuxPhotoLibrary, SavesPicturesUnderFreshNamesAndRefusesAnythingElse) {
@@ -44,17 +45,14 @@ TEST(LinuxPhotoLibrary, SavesPicturesUnderFreshNamesAndRefusesAnythingElse) {
 }
 
 /// Sets an environment variable for one scope.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : name_(name) {
-    if (const char* old = std::getenv(name)) old_ = old;
+struct ScopedEnv {
+  ScopedEnv(const char* name, const char* value) : name(name) {
+    if (const char* was = std::getenv(name)) old = was;
     ::setenv(name, value, 1);
   }
-  ~ScopedEnv() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
-
- private:
-  const char* name_;
-  std::optional<std::string> old_;
+  ~ScopedEnv() { old ? ::setenv(name, old->c_str(), 1) : ::unsetenv(name); }
+  const char* name;
+  std::optional<std::string> old;
 };
 
 TEST(LinuxPlatformFolders, DocumentsFollowTheOptionsThenTheDataHome) {
@@ -72,6 +70,18 @@ TEST(LinuxPlatformFolders, DocumentsFollowTheOptionsThenTheDataHome) {
   ScopedEnv dataHome("XDG_DATA_HOME", "relative");  // not absolute: ignored
   ScopedEnv home("HOME", "/home/u");
   EXPECT_EQ(documentsDirectoryFor(options), "/home/u/.local/share/vantu-h5/Documents");
+}
+
+TEST(StreamConsole, WritesEachLineWithANewline) {
+  std::FILE* file = std::tmpfile();
+  ASSERT_NE(file, nullptr);
+  StreamConsole console(file);
+  for (const char* line : {"first line", "", "third"}) console.printLine(line);
+  std::rewind(file);
+  char buffer[64] = {};
+  auto got = std::fread(buffer, 1, sizeof buffer - 1, file);
+  std::fclose(file);
+  EXPECT_EQ(std::string(buffer, got), "first line\n\nthird\n");
 }
 
 }  // namespace

@@ -37,25 +37,17 @@ constexpr int kFailed = 1;
 constexpr int kSkipped = 77;
 
 /// What the child tells its parent.
-class Report {
- public:
-  explicit Report(int fd) : fd_(fd) {}
+struct Report {
   void say(const std::string& line) {
     std::string text = line + "\n";
-    [[maybe_unused]] auto written = ::write(fd_, text.data(), text.size());
+    [[maybe_unused]] auto written = ::write(fd, text.data(), text.size());
   }
   bool check(bool ok, const std::string& what) {
-    if (!ok) {
-      failed_ = true;
-      say(what);
-    }
+    if (!ok) failed = true, say(what);
     return ok;
   }
-  bool failed() const { return failed_; }
-
- private:
-  int fd_;
-  bool failed_ = false;
+  int fd;
+  bool failed = false;
 };
 
 /// Runs `ip ARGS...` (output discarded); true when it succeeded.
@@ -124,65 +116,56 @@ int exercise(Report& report) {
     bool arrived = loop.runUntil([&] { return events.size() >= count && posted >= static_cast<int>(count); }, 15s);
     return report.check(arrived, "no notification after: " + step);
   };
-  auto run = [&](std::vector<std::string> args) {
-    return report.check(ip(args), "ip " + joined(args) + " failed");
-  };
-
   waitForEvents(1, "startNotifier");
 
-  run({"link", "set", "lo", "up"});
-  report.check(flagsNow() == ReachabilityFlags{0}, "loopback alone must not make the network reachable");
-
-  run({"link", "add", "v0", "type", "veth", "peer", "name", "v1"});
-  run({"addr", "add", "10.99.0.2/24", "dev", "v0"});
-  run({"link", "set", "v1", "up"});
-  run({"link", "set", "v0", "up"});
-  report.check(flagsNow() == ReachabilityFlags{0}, "an interface without a default route must not be reachable");
-
-  run({"route", "add", "default", "via", "10.99.0.1"});
-  report.check(flagsNow() == flag::kReachable, "IPv4 default route: reachable");
-  waitForEvents(2, "adding the IPv4 default route");
-
-  run({"route", "del", "default"});
-  report.check(flagsNow() == ReachabilityFlags{0}, "default route deleted: not reachable");
-  waitForEvents(3, "deleting the default route");
-
-  run({"-6", "route", "add", "default", "dev", "v0"});
-  report.check(flagsNow() == flag::kReachable, "IPv6 default route: reachable");
-  waitForEvents(4, "adding the IPv6 default route");
-
-  run({"link", "set", "v0", "down"});
-  report.check(flagsNow() == ReachabilityFlags{0}, "interface down: not reachable");
-  waitForEvents(5, "taking the interface down");
-
-  run({"link", "add", "wwan0", "type", "veth", "peer", "name", "wwpeer"});
-  run({"link", "set", "wwpeer", "up"});
-  run({"link", "set", "wwan0", "up"});
-  run({"addr", "add", "10.98.0.2/24", "dev", "wwan0"});
-  run({"route", "add", "default", "via", "10.98.0.1"});
-  report.check(flagsNow() == (flag::kReachable | flag::kIsWWAN), "default route over wwan0: cellular");
-  waitForEvents(6, "the default route over wwan0");
-
-  run({"link", "del", "wwan0"});
-  report.check(flagsNow() == ReachabilityFlags{0}, "modem removed: not reachable");
-  waitForEvents(7, "removing wwan0");
+  // Each step: the ip commands, the flags after them, and whether a
+  // notification follows. Changes that leave the flags as they were
+  // (loopback up, addresses, the peer interfaces) must not be reported.
+  const ReachabilityFlags R = flag::kReachable, W = flag::kReachable | flag::kIsWWAN;
+  const struct {
+    std::vector<std::vector<std::string>> commands;
+    ReachabilityFlags flags;
+    bool notifies;
+  } steps[] = {
+      {{{"link", "set", "lo", "up"}}, 0, false},
+      {{{"link", "add", "v0", "type", "veth", "peer", "name", "v1"},
+        {"addr", "add", "10.99.0.2/24", "dev", "v0"},
+        {"link", "set", "v1", "up"},
+        {"link", "set", "v0", "up"}},
+       0, false},
+      {{{"route", "add", "default", "via", "10.99.0.1"}}, R, true},
+      {{{"route", "del", "default"}}, 0, true},
+      {{{"-6", "route", "add", "default", "dev", "v0"}}, R, true},
+      {{{"link", "set", "v0", "down"}}, 0, true},
+      {{{"link", "add", "wwan0", "type", "veth", "peer", "name", "wwpeer"},
+        {"link", "set", "wwpeer", "up"},
+        {"link", "set", "wwan0", "up"},
+        {"addr", "add", "10.98.0.2/24", "dev", "wwan0"},
+        {"route", "add", "default", "via", "10.98.0.1"}},
+       W, true},
+      {{{"link", "del", "wwan0"}}, 0, true},
+  };
+  std::size_t expectedCount = 1;
+  for (const auto& step : steps) {
+    std::string what;
+    for (const auto& args : step.commands) {
+      what += "; ip " + joined(args);
+      report.check(ip(args), "ip " + joined(args) + " failed");
+    }
+    report.check(flagsNow() == step.flags, "unexpected flags after" + what);
+    if (step.notifies) waitForEvents(++expectedCount, what);
+  }
 
   std::vector<std::string> expected{
-      "unreachable -- -------",
-      "reachable WiFi -R -------",
-      "unreachable -- -------",
-      "reachable WiFi -R -------",
-      "unreachable -- -------",
-      "reachable Cellular WR -------",
+      "unreachable -- -------",       "reachable WiFi -R -------", "unreachable -- -------",
+      "reachable WiFi -R -------",    "unreachable -- -------",    "reachable Cellular WR -------",
       "unreachable -- -------",
   };
-  // Changes that leave the flags as they were (loopback up, addresses,
-  // the peer interfaces) must not have been reported.
   if (!report.check(events == expected, "notifications differ from the expected sequence")) {
     for (const auto& e : events) report.say("  got: " + e);
   }
   monitor->stopNotifier();
-  return report.failed() ? kFailed : kPassed;
+  return report.failed ? kFailed : kPassed;
 }
 
 TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute) {
@@ -193,9 +176,8 @@ TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute)
   if (child == 0) {
     close(fds[0]);
     alarm(150);  // never outlive the test's own time limit
-    Report report(fds[1]);
-    int code = exercise(report);
-    _exit(code);  // no exit handlers, no leak check of a half-torn-down child
+    Report report{fds[1]};
+    _exit(exercise(report));  // no exit handlers, no leak check of a half-torn-down child
   }
   close(fds[1]);
   std::string output;
