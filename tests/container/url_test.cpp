@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace vantu {
 namespace {
@@ -90,76 +91,31 @@ TEST(UrlTest, SplitsValidReferencesIntoTheirParts) {
 
 TEST(UrlTest, RejectsTextThatIsNoUrl) {
   const char* const kInvalid[] = {
-      "",
-      "not a url",
-      "http://exa mple.com/",
-      "http://host/a b",
-      "http://ho\\st/",
-      "http://host/<script>",
-      "http://host/\x01",
-      "http://host/a\x7F",
-      "http://host/{x}",
-      "http://host/a|b",
-      "http://host/%zz",
-      "http://host/%4",
-      "http://host/%",
-      "http://host/a#b#c",
-      "http://host/[x]",
-      "http://host/?q=[1]",
-      "http://a@b@c/",
-      "http://ho:st:80/",
-      "http://host:65536/",
-      "http://host:99999999999999999999/",
-      "http://host:8a/",
-      "http://host:-1/",
-      "http://[::1",
-      "http://[::1]x/",
-      "http://[::1]:x/",
-      "http://::1/",
-      "http://[]/",
-      "http://[example.com]/",
-      "http://[1:2:3:4:5:6:7:8:9]/",
-      "http://[1:2:3:4:5:6:7]/",
-      "http://[1::2::3]/",
-      "http://[:::]/",
-      "http://[1::2:]/",
-      "http://[:1::2]/",
-      "http://[12345::1]/",
-      "http://[g::1]/",
-      "http://[::1.2.3.256]/",
-      "http://[::1.2.3]/",
-      "http://[::01.2.3.4]/",
-      "http://[1.2.3.4::]/",
-      "http://[fe80::1%en0]/",
-      "http://[fe80::1%25]/",
-      "http://[v.x]/",
-      "http://[v1.]/",
-      "1http://x",
-      "ht tp://x",
-      ":nothing",
-      "a:b:c/d:e%",
-      "http://\xC3\x28/",
-      "http://host/\xC0\xAF",
-      "http://host/\xED\xA0\x80",
-      "http://host/\xF4\x90\x80\x80",
-      "http://host/\xE2\x82",
-      "http://%00host/",
-      "http://h%FFost/",
+      "", "not a url", "http://exa mple.com/", "http://host/a b", "http://ho\\st/", "http://host/<script>",
+      "http://host/\x01", "http://host/a\x7F", "http://host/{x}", "http://host/a|b", "http://host/%zz",
+      "http://host/%4", "http://host/%", "http://host/a#b#c", "http://host/[x]", "http://host/?q=[1]",
+      "http://a@b@c/", "http://ho:st:80/", "http://host:65536/", "http://host:99999999999999999999/",
+      "http://host:8a/", "http://host:-1/", "http://[::1", "http://[::1]x/", "http://[::1]:x/", "http://::1/",
+      "http://[]/", "http://[example.com]/", "http://[1:2:3:4:5:6:7:8:9]/", "http://[1:2:3:4:5:6:7]/",
+      "http://[1::2::3]/", "http://[:::]/", "http://[1::2:]/", "http://[:1::2]/", "http://[12345::1]/",
+      "http://[g::1]/", "http://[::1.2.3.256]/", "http://[::1.2.3]/", "http://[::01.2.3.4]/", "http://[1.2.3.4::]/",
+      "http://[fe80::1%en0]/", "http://[fe80::1%25]/", "http://[v.x]/", "http://[v1.]/", "1http://x", "ht tp://x",
+      ":nothing", "a:b:c/d:e%", "http://\xC3\x28/", "http://host/\xC0\xAF", "http://host/\xED\xA0\x80",
+      "http://host/\xF4\x90\x80\x80", "http://host/\xE2\x82", "http://%00host/", "http://h%FFost/",
   };
   for (const char* text : kInvalid) EXPECT_EQ(Url::parse(text), std::nullopt) << "'" << text << "'";
 }
 
 TEST(UrlTest, UserInfoSplitsAtItsFirstColon) {
-  auto both = Url::parse("https://user:pa:ss@host/");
-  auto userOnly = Url::parse("ftp://anon@host");
-  auto none = Url::parse("https://host/");
-  ASSERT_TRUE(both && userOnly && none);
-  EXPECT_EQ(both->user(), "user");
-  EXPECT_EQ(both->password(), "pa:ss");
-  EXPECT_EQ(userOnly->user(), "anon");
-  EXPECT_EQ(userOnly->password(), std::nullopt);
-  EXPECT_EQ(none->user(), std::nullopt);
-  EXPECT_EQ(none->password(), std::nullopt);
+  using Pair = std::pair<std::optional<std::string>, std::optional<std::string>>;
+  auto userAndPassword = [](const char* text) {
+    auto url = Url::parse(text);
+    EXPECT_TRUE(url) << text;
+    return url ? Pair{url->user(), url->password()} : Pair{"?", "?"};
+  };
+  EXPECT_EQ(userAndPassword("https://user:pa:ss@host/"), (Pair{"user", "pa:ss"}));
+  EXPECT_EQ(userAndPassword("ftp://anon@host"), (Pair{"anon", std::nullopt}));
+  EXPECT_EQ(userAndPassword("https://host/"), (Pair{}));
 }
 
 TEST(UrlTest, AsciiLowercasingLeavesOtherBytesAlone) {
