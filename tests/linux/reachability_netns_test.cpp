@@ -1,12 +1,9 @@
 // Reachability against a real kernel: a forked child moves into a network
-// namespace of its own (only a loopback interface, down), changes that
-// namespace's links and routes with iproute2, and checks the flags and the
-// notifier after each step. The test runner's own namespace, and so the
-// machine's network, is never touched; every address used lives inside the
-// child's namespace.
-//
-// Needs root and unshare(CLONE_NEWNET); skipped otherwise. The child reports
-// what went wrong through a pipe and its exit status.
+// namespace of its own (only a loopback interface, down), changes its links
+// and routes with iproute2, and checks the flags and the notifier after each
+// step. The runner's own namespace, and so the machine's network, is never
+// touched. Needs root and unshare(CLONE_NEWNET); skipped otherwise. The child
+// reports what went wrong through a pipe and its exit status.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -32,9 +29,7 @@ namespace {
 namespace flag = reachability_flag;
 using namespace std::chrono_literals;
 
-constexpr int kPassed = 0;
-constexpr int kFailed = 1;
-constexpr int kSkipped = 77;
+constexpr int kPassed = 0, kFailed = 1, kSkipped = 77;
 
 /// What the child tells its parent.
 struct Report {
@@ -65,8 +60,7 @@ bool ip(std::vector<std::string> args) {
   posix_spawn_file_actions_destroy(&actions);
   if (spawned != 0) return false;
   int status = 0;
-  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-  }
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) continue;
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
@@ -77,18 +71,9 @@ std::string joined(const std::vector<std::string>& words) {
 }
 
 int exercise(Report& report) {
-  if (geteuid() != 0) {
-    report.say("needs root");
-    return kSkipped;
-  }
-  if (unshare(CLONE_NEWNET) != 0) {
-    report.say(std::string("unshare(CLONE_NEWNET): ") + std::strerror(errno));
-    return kSkipped;
-  }
-  if (!ip({"link", "show", "lo"})) {
-    report.say("the ip command (iproute2) is not available");
-    return kSkipped;
-  }
+  if (geteuid() != 0) return report.say("needs root"), kSkipped;
+  if (unshare(CLONE_NEWNET) != 0) return report.say(std::string("unshare: ") + std::strerror(errno)), kSkipped;
+  if (!ip({"link", "show", "lo"})) return report.say("the ip command (iproute2) is not available"), kSkipped;
 
   auto bundle = makeLinuxPlatform();
   installPlatform(bundle.platform);
@@ -182,11 +167,9 @@ TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute)
   close(fds[1]);
   std::string output;
   char buffer[512];
-  for (;;) {
-    auto got = read(fds[0], buffer, sizeof buffer);
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) break;
-    output.append(buffer, static_cast<std::size_t>(got));
+  for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) != 0;) {
+    if (got > 0) output.append(buffer, static_cast<std::size_t>(got));
+    else if (errno != EINTR) break;
   }
   close(fds[0]);
   int status = 0;

@@ -10,6 +10,7 @@
 #include <net/if.h>
 #include <net/if_arp.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -73,9 +74,8 @@ using Bytes = std::vector<std::byte>;
 
 template <typename T>
 Bytes bytesOf(const T& value) {
-  Bytes out(sizeof(T));
-  std::memcpy(out.data(), &value, sizeof(T));
-  return out;
+  auto* p = reinterpret_cast<const std::byte*>(&value);
+  return Bytes(p, p + sizeof(T));
 }
 
 Bytes u32(std::uint32_t v) { return bytesOf(v); }
@@ -117,8 +117,7 @@ rtmsg routeHeader(unsigned char family, unsigned char dstLen = 0, unsigned char 
 
 Bytes nextHop(int index, unsigned char flags = 0) {
   in6_addr gateway{};
-  gateway.s6_addr[0] = 0xfe;
-  gateway.s6_addr[1] = 0x80;
+  gateway.s6_addr[0] = 0xfe, gateway.s6_addr[1] = 0x80;
   Bytes gw = attribute(RTA_GATEWAY, bytesOf(gateway));
   rtnexthop hop{.rtnh_len = static_cast<unsigned short>(sizeof(rtnexthop) + gw.size()), .rtnh_flags = flags,
                 .rtnh_ifindex = index};
@@ -145,8 +144,7 @@ TEST(NetlinkMessages, LinksAndUnicastDefaultRoutesOfTheMainTableAreTaken) {
                 {attribute(RTA_TABLE, u32(1000)), attribute(RTA_OIF, u32(2))});
   appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 0, RT_TABLE_LOCAL), {attribute(RTA_OIF, u32(1))});
   // Multipath IPv6 default: one live hop, one dead.
-  Bytes hops = nextHop(3);
-  Bytes dead = nextHop(2, RTNH_F_DEAD);
+  Bytes hops = nextHop(3), dead = nextHop(2, RTNH_F_DEAD);
   hops.insert(hops.end(), dead.begin(), dead.end());
   appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET6),
                 {attribute(RTA_PRIORITY, u32(1024)), attribute(RTA_MULTIPATH, hops)});
@@ -154,80 +152,56 @@ TEST(NetlinkMessages, LinksAndUnicastDefaultRoutesOfTheMainTableAreTaken) {
 
   NetworkSnapshot snapshot;
   ASSERT_TRUE(addNetlinkMessages(buffer, snapshot));
-  std::vector<NetworkInterface> expectedInterfaces{
-      iface(1, "lo", IFF_UP | IFF_RUNNING | IFF_LOOPBACK, ARPHRD_LOOPBACK),
-      iface(2, "eth0", IFF_UP | IFF_BROADCAST), iface(3, "wwan0", kUp, kRawIp)};
-  EXPECT_EQ(snapshot.interfaces, expectedInterfaces);
-  std::vector<DefaultRoute> expectedRoutes{v4(2, 100), v6(3, 1024)};
-  EXPECT_EQ(snapshot.defaultRoutes, expectedRoutes);
+  EXPECT_EQ(snapshot.interfaces, (std::vector<NetworkInterface>{
+                                      iface(1, "lo", IFF_UP | IFF_RUNNING | IFF_LOOPBACK, ARPHRD_LOOPBACK),
+                                      iface(2, "eth0", IFF_UP | IFF_BROADCAST), iface(3, "wwan0", kUp, kRawIp)}));
+  EXPECT_EQ(snapshot.defaultRoutes, (std::vector<DefaultRoute>{v4(2, 100), v6(3, 1024)}));
   // eth0 has no carrier: the modem carries the traffic.
   EXPECT_EQ(deriveFlags(snapshot), flag::kReachable | flag::kIsWWAN);
 }
 
 TEST(NetlinkMessages, ErrorsAndMalformedLengthsFailWhileAcksAndTruncatedTailsDoNot) {
   NetworkSnapshot snapshot;
-  Bytes error;
-  nlmsgerr e{};
-  e.error = -EPERM;
-  appendMessage(error, NLMSG_ERROR, e);
-  EXPECT_FALSE(addNetlinkMessages(error, snapshot));
-
-  Bytes ack;
-  e.error = 0;
-  appendMessage(ack, NLMSG_ERROR, e);
+  auto parse = [&](const Bytes& b) { return snapshot = {}, addNetlinkMessages(b, snapshot); };
+  Bytes error, ack, malformed, truncated, badAttribute;
+  appendMessage(error, NLMSG_ERROR, nlmsgerr{.error = -EPERM});
+  EXPECT_FALSE(parse(error));
+  appendMessage(ack, NLMSG_ERROR, nlmsgerr{.error = 0});
   appendLink(ack, 4, "eth1", kUp, ARPHRD_ETHER);
-  EXPECT_TRUE(addNetlinkMessages(ack, snapshot));
+  EXPECT_TRUE(parse(ack));
   EXPECT_EQ(snapshot.interfaces.size(), 1u);
 
-  Bytes malformed;
   appendLink(malformed, 5, "eth2", kUp, ARPHRD_ETHER);
-  nlmsghdr tiny{};
-  tiny.nlmsg_len = 4;  // shorter than a header
-  Bytes tail = bytesOf(tiny);
+  Bytes tail = bytesOf(nlmsghdr{.nlmsg_len = 4});  // shorter than a header
   malformed.insert(malformed.end(), tail.begin(), tail.end());
-  EXPECT_FALSE(addNetlinkMessages(malformed, snapshot));
+  EXPECT_FALSE(parse(malformed));
 
-  Bytes truncated;
   appendLink(truncated, 6, "eth3", kUp, ARPHRD_ETHER);
   truncated.resize(truncated.size() - 3);  // the message claims more than there is
-  NetworkSnapshot partial;
-  EXPECT_TRUE(addNetlinkMessages(truncated, partial));
-  EXPECT_TRUE(partial.interfaces.empty());
+  EXPECT_TRUE(parse(truncated));
+  EXPECT_TRUE(snapshot.interfaces.empty());
 
   // An attribute whose length runs past its message ends the attribute walk.
-  Bytes badAttribute;
-  ifinfomsg info{};
-  info.ifi_index = 7;
-  rtattr overlong{200, IFLA_IFNAME};
-  appendMessage(badAttribute, RTM_NEWLINK, info, {bytesOf(overlong)});
-  NetworkSnapshot unnamed;
-  EXPECT_TRUE(addNetlinkMessages(badAttribute, unnamed));
-  ASSERT_EQ(unnamed.interfaces.size(), 1u);
-  EXPECT_EQ(unnamed.interfaces[0].name, "");
+  appendMessage(badAttribute, RTM_NEWLINK, ifinfomsg{.ifi_index = 7}, {bytesOf(rtattr{200, IFLA_IFNAME})});
+  EXPECT_TRUE(parse(badAttribute));
+  ASSERT_EQ(snapshot.interfaces.size(), 1u);
+  EXPECT_EQ(snapshot.interfaces[0].name, "");
 }
 
-// --- the live machine, read only
-
-TEST(NetworkSnapshotLive, TheLoopbackInterfaceIsSeen) {
+TEST(LinuxReachabilityService, ReadsTheLiveLoopbackAndMakesHandlesForTheZeroAddressOnly) {
   auto snapshot = readNetworkSnapshot();
   ASSERT_TRUE(snapshot.has_value());
-  const NetworkInterface* loopback = nullptr;
-  for (const auto& i : snapshot->interfaces) {
-    if (i.name == "lo") loopback = &i;
-  }
-  ASSERT_NE(loopback, nullptr);
-  EXPECT_EQ(loopback->type, ARPHRD_LOOPBACK);
-  EXPECT_EQ(loopback->index, static_cast<int>(if_nametoindex("lo")));
-}
+  auto lo = std::find_if(snapshot->interfaces.begin(), snapshot->interfaces.end(), [](auto& i) { return i.name == "lo"; });
+  ASSERT_NE(lo, snapshot->interfaces.end());
+  EXPECT_EQ(lo->type, ARPHRD_LOOPBACK);
+  EXPECT_EQ(lo->index, static_cast<int>(if_nametoindex("lo")));
 
-TEST(LinuxReachabilityService, MakesHandlesForTheZeroAddressOnly) {
   LinuxReachability service;
   auto handle = service.handleForAddress(SocketAddress::zeroIPv4());
   ASSERT_NE(handle, nullptr);
   auto flags = handle->currentFlags();
   ASSERT_TRUE(flags.has_value());
   EXPECT_EQ(*flags & ~(flag::kReachable | flag::kIsWWAN), 0u);
-
   SocketAddress other;
   other.address = 0x7f000001;
   EXPECT_EQ(service.handleForAddress(other), nullptr);
@@ -240,7 +214,6 @@ TEST(LinuxReachabilityService, TheMonitorTellsWhyItCannotMakeANamedTarget) {
   auto named = H5Reachability::makeForHostname("example.com");
   ASSERT_FALSE(named.ok());
   EXPECT_EQ(named.error(), ReachabilityError::failedToCreateWithHostname("example.com"));
-
   auto internet = H5Reachability::makeForInternet();
   ASSERT_TRUE(internet.ok());
   auto monitor = internet.value();
@@ -278,15 +251,9 @@ TEST(LinuxReachabilityService, StartingAndStoppingTheMonitorLeaksNoDescriptorOrT
       EXPECT_LE(threadsSettledAtMost(threads + 1), threads + 1);
     }
     // Alternate which detach stops the monitor.
-    if (i % 2) {
-      ASSERT_TRUE(handle->setCallback({}));
-      ASSERT_FALSE(handle->monitoring());
-      ASSERT_TRUE(handle->setDispatchQueue(nullptr));
-    } else {
-      ASSERT_TRUE(handle->setDispatchQueue(nullptr));
-      ASSERT_FALSE(handle->monitoring());
-      ASSERT_TRUE(handle->setCallback({}));
-    }
+    ASSERT_TRUE(i % 2 ? handle->setCallback({}) : handle->setDispatchQueue(nullptr));
+    ASSERT_FALSE(handle->monitoring());
+    ASSERT_TRUE(i % 2 ? handle->setDispatchQueue(nullptr) : handle->setCallback({}));
   }
   EXPECT_EQ(countOpenFiles(), files);
   EXPECT_LE(threadsSettledAtMost(threads), threads);
