@@ -31,8 +31,8 @@ TEST_F(StorageBridges, AnswersArriveOnTheMainQueueAfterTheStoreWork) {
   registry.dispatch("vantuSaveData", H5HandlerInputParams(page, Dict{{"data", Dict{{"k", 1}}}},
                                                           [&](const Value& answer) { answers.push_back(answer); }));
   EXPECT_TRUE(answers.empty());
-  device.dispatch().runReady();
-  EXPECT_EQ((answers.size()), (1u));
+  settle();
+  EXPECT_EQ(answers.size(), 1u);
 }
 
 TEST_F(StorageBridges, RefusalsComeInOrderWithTheirExactTexts) {
@@ -44,13 +44,11 @@ TEST_F(StorageBridges, RefusalsComeInOrderWithTheirExactTexts) {
   };
   auto page = screenOf("app");
   auto anonymous = screenOf(std::nullopt);
+  const std::string noScreen = "VH5FilePickerHandler: Failed to bind params.viewController!";
   std::vector<Case> cases = {
-      // No screen comes before everything, even bad arguments.
-      {"vantuGetData", Dict{}, nullptr, "VH5FilePickerHandler: Failed to bind params.viewController!"},
-      {"vantuSaveData", Dict{}, nullptr, "VH5FilePickerHandler: Failed to bind params.viewController!"},
-      {"vantuRemoveData", Dict{}, nullptr, "VH5FilePickerHandler: Failed to bind params.viewController!"},
-      // No app id comes before the arguments.
-      {"vantuGetData", Dict{}, anonymous, "Failed to obtain uAId!"},
+      // No screen comes before everything, even bad arguments; no app id comes before the arguments.
+      {"vantuGetData", Dict{}, nullptr, noScreen}, {"vantuSaveData", Dict{}, nullptr, noScreen},
+      {"vantuRemoveData", Dict{}, nullptr, noScreen}, {"vantuGetData", Dict{}, anonymous, "Failed to obtain uAId!"},
       {"vantuSaveData", Dict{{"data", "x"}}, anonymous, "Failed to obtain uAId!"},
       {"vantuRemoveData", Dict{}, anonymous, "Failed to obtain uAId!"},
       {"vantuGetData", Dict{}, page, "Nil or empty keys received for get op"},
@@ -70,7 +68,7 @@ TEST_F(StorageBridges, RefusalsComeInOrderWithTheirExactTexts) {
     registerAllBridges(registry);
     registry.dispatch(c.bridge, H5HandlerInputParams(c.screen, c.data, [&](const Value& a) { answers.push_back(a); }));
     // Early refusals are synchronous.
-    EXPECT_EQ((answers), (std::vector<Value>{flat(c.message)})) << c.bridge << " " << c.message;
+    EXPECT_EQ(answers, std::vector<Value>{flat(c.message)}) << c.bridge << " " << c.message;
   }
   settle();
   EXPECT_TRUE(keysOf(std::string(UserDefaultsAccessTracker::kSuiteName)).empty());
@@ -79,13 +77,12 @@ TEST_F(StorageBridges, RefusalsComeInOrderWithTheirExactTexts) {
 TEST_F(StorageBridges, AppsNeverSeeEachOthersValues) {
   const std::vector<std::string> ids = {"app",   "App",  "APP",    "app_1", "app/1", "app\\1", std::string("app\0x", 5),
                                         std::string("app\0", 4), "应用", "app ", " app",  "",      "a.p.p"};
+  auto own = [](std::size_t i) { return Dict{{"shared", static_cast<std::int64_t>(i)}}; };
   for (std::size_t i = 0; i < ids.size(); ++i) {
-    ASSERT_EQ((call("vantuSaveData", Dict{{"data", Dict{{"shared", static_cast<std::int64_t>(i)}}}}, screenOf(ids[i]))), (std::vector<Value>{Dict{{"data", Dict{}}}}))
-        << i;
+    ASSERT_EQ(call("vantuSaveData", Dict{{"data", own(i)}}, screenOf(ids[i])), (std::vector<Value>{Dict{{"data", Dict{}}}}));
   }
   for (std::size_t i = 0; i < ids.size(); ++i) {
-    EXPECT_EQ((call("vantuGetData", Dict{{"keys", Array{"shared"}}}, screenOf(ids[i]))), (std::vector<Value>{Dict{{"data", Dict{{"shared", static_cast<std::int64_t>(i)}}}}}))
-        << i;
+    EXPECT_EQ(call("vantuGetData", Dict{{"keys", Array{"shared"}}}, screenOf(ids[i])), (std::vector<Value>{Dict{{"data", own(i)}}})) << i;
   }
 }
 
@@ -102,7 +99,7 @@ TEST_F(StorageBridges, GetAnswersAfterItsHandlerIsGoneButSaveAndRemoveDoNot) {
       registry.dispatch(bridge, H5HandlerInputParams(page, data, [&](const Value& a) { answers.push_back(a); }));
     }  // the registry and its handlers are gone before the store runs
     settle();
-    EXPECT_EQ((answers.size()), (answersExpected)) << bridge;
+    EXPECT_EQ(answers.size(), answersExpected) << bridge;
   }
   // The save itself still happened; only its answer was dropped.
   EXPECT_TRUE(keysOf(sandboxDomainName("app")).empty());  // removed by the last call

@@ -68,24 +68,20 @@ TEST_F(DataStore, DatesStoredByNativeCodeReadAsIsoText) {
 
 TEST_F(DataStore, SavingNothingSucceedsAndTracksAndRemovingAnAbsentKeySucceeds) {
   auto saved = save(app1, Dict{});
-  EXPECT_EQ(saved.calls, 1);
-  EXPECT_TRUE(saved.success);
+  EXPECT_TRUE(saved.calls == 1 && saved.success);
   EXPECT_EQ(tracked(), Strings{app1});
-  auto removed = remove(sandboxDomainName("other"), {"never-set"});
-  EXPECT_TRUE(removed.success);
+  EXPECT_TRUE(remove(sandboxDomainName("other"), {"never-set"}).success);
   EXPECT_EQ(tracked().size(), 2u);
 }
 
 TEST_F(DataStore, OperationsRunInSubmissionOrder) {
-  std::vector<std::string> order;
-  store()->saveData(app1, Dict{{"k", 1}}, [&](bool, std::optional<PlatformError>) { order.push_back("save"); });
-  store()->getData(app1, {"k"}, [&](bool, std::optional<PlatformError>, Dict result) {
-    order.push_back("get " + json::write(result));
-  });
-  store()->removeData(app1, {"k"}, [&](bool, std::optional<PlatformError>) { order.push_back("remove"); });
-  store()->getData(app1, {"k"}, [&](bool, std::optional<PlatformError>, Dict result) {
-    order.push_back("get " + json::write(result));
-  });
+  Strings order;
+  auto done = [&](std::string what) { return [&, what](bool, std::optional<PlatformError>) { order.push_back(what); }; };
+  auto read = [&](bool, std::optional<PlatformError>, Dict result) { order.push_back("get " + json::write(result)); };
+  store()->saveData(app1, Dict{{"k", 1}}, done("save"));
+  store()->getData(app1, {"k"}, read);
+  store()->removeData(app1, {"k"}, done("remove"));
+  store()->getData(app1, {"k"}, read);
   EXPECT_TRUE(order.empty());  // nothing runs before the queue does
   settle();
   EXPECT_EQ(order, (Strings{"save", R"(get {"data":{"k":1}})", "remove", R"(get {"data":{"k":""}})"}));
@@ -103,8 +99,7 @@ TEST_F(DataStore, WorkQueuedByAStoreThatIsGoneNeverCompletes) {
 }
 
 TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreError) {
-  // Names over the store's cap are refused, as a damaged store would be.
-  std::string refused(300, 'x');
+  const std::string refused(300, 'x');  // over the store's cap, refused as a damaged store would be
   auto got = get(refused, {"a"});
   EXPECT_FALSE(got.success);
   EXPECT_EQ(got.error, (PlatformError{"h5-ios", 0, "User Defaults could not be initialized"}));
@@ -143,10 +138,9 @@ TEST_F(Migration, MovesAnUnlistedOldDomainToTheAppIdBeforeTheFirstUnderscore) {
   EXPECT_EQ(get(target, {"k", "n"}).result, (Dict{{"data", Dict{{"k", "v"}, {"n", 2}}}}));
   EXPECT_TRUE(keysOf("abc_xyz").empty());
   EXPECT_EQ(keysOf("_xyz"), Strings{"k"});
-  auto trackedNames = tracked();
-  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), "abc_xyz"), 0);
-  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), target), 1);
-  EXPECT_EQ(std::count(trackedNames.begin(), trackedNames.end(), "_xyz"), 1);
+  auto names = tracked();
+  auto times = [&](const std::string& n) { return std::count(names.begin(), names.end(), n); };
+  EXPECT_EQ((std::vector{times("abc_xyz"), times(target), times("_xyz")}), (std::vector<std::ptrdiff_t>{0, 1, 1}));
   EXPECT_TRUE(flagSet());
 }
 

@@ -35,6 +35,13 @@ struct Store {
   std::vector<std::string> logged;
 };
 
+// A store open on a fresh directory.
+class SqlitePreferencesTest : public ::testing::Test {
+ protected:
+  TempDir dir;
+  Store store{dir.path};
+};
+
 PreferenceValue sampleNested() {
   return PreferenceValue(PreferenceValue::Map{
       {"list", PreferenceValue(PreferenceValue::List{PreferenceValue(1), PreferenceValue(1.0), PreferenceValue(true),
@@ -87,24 +94,17 @@ TEST(SqlitePreferences, EveryKindComesBackAsTheSameKindAfterReopening) {
   EXPECT_TRUE(store.logged.empty());
 }
 
-TEST(SqlitePreferences, NaNIsKeptAsADoubleAtTopLevelAndNested) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, NaNIsKeptAsADoubleAtTopLevelAndNested) {
   auto suite = store.prefs.suite("nan");
-  double nan = std::numeric_limits<double>::quiet_NaN();
-  ASSERT_TRUE(suite->set("top", PreferenceValue(nan)).ok());
-  ASSERT_TRUE(suite->set("inList", PreferenceValue(PreferenceValue::List{PreferenceValue(nan)})).ok());
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  ASSERT_TRUE(suite->set(PreferenceValue::Map{{"top", nan}, {"inList", PreferenceValue(PreferenceValue::List{PreferenceValue(nan)})}}).ok());
   auto top = suite->get("top").value();
-  ASSERT_TRUE(top && top->asDouble());
-  EXPECT_TRUE(std::isnan(*top->asDouble()));
   auto inList = suite->get("inList").value();
-  ASSERT_TRUE(inList && inList->asList());
-  EXPECT_TRUE(std::isnan(*inList->asList()->front().asDouble()));
+  ASSERT_TRUE(top && top->asDouble() && inList && inList->asList());
+  EXPECT_TRUE(std::isnan(*top->asDouble()) && std::isnan(*inList->asList()->front().asDouble()));
 }
 
-TEST(SqlitePreferences, DictionaryRepresentationIsInByteOrderAndSuitesAreApart) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, DictionaryRepresentationIsInByteOrderAndSuitesAreApart) {
   auto a = store.prefs.suite("a");
   auto b = store.prefs.suite("A");
   ASSERT_TRUE(a->set(PreferenceValue::Map{{"b", 2}, {"a", 1}, {"B", 3}, {"é", 4}, {"", 5}}).ok());
@@ -123,9 +123,7 @@ TEST(SqlitePreferences, DictionaryRepresentationIsInByteOrderAndSuitesAreApart) 
   EXPECT_EQ(*store.prefs.standard()->get("flag").value(), PreferenceValue(true));
 }
 
-TEST(SqlitePreferences, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether) {
   auto suite = store.prefs.suite("batch");
   ASSERT_TRUE(suite->set(PreferenceValue::Map{{"k", 1}, {"k", "two"}, {"x", true}}).ok());
   EXPECT_EQ(*suite->get("k").value(), PreferenceValue("two"));
@@ -138,9 +136,7 @@ TEST(SqlitePreferences, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether)
   EXPECT_EQ(suite->keys().value(), std::vector<std::string>{"x"});
 }
 
-TEST(SqlitePreferences, ALongGetAnswersEveryPositionIncludingRepeatsAndGaps) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, ALongGetAnswersEveryPositionIncludingRepeatsAndGaps) {
   auto suite = store.prefs.suite("long");
   PreferenceValue::Map entries;
   for (int i = 0; i < 50; i += 2) entries.emplace_back("k" + std::to_string(i), i);
@@ -163,9 +159,7 @@ TEST(SqlitePreferences, ALongGetAnswersEveryPositionIncludingRepeatsAndGaps) {
   EXPECT_TRUE(store.prefs.suite("absent")->get(keys).value().size() == keys.size());
 }
 
-TEST(SqlitePreferences, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
   EXPECT_FALSE(store.prefs.suite(""));
   EXPECT_FALSE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes + 1, 'x')));
   EXPECT_FALSE(store.prefs.suite(std::string("a\0b", 3)));
@@ -181,9 +175,7 @@ TEST(SqlitePreferences, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
             PreferenceValue("'; DROP TABLE suites; --"));
 }
 
-TEST(SqlitePreferences, RemovingADomainEmptiesItForOpenHandlesAndLeavesOthers) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, RemovingADomainEmptiesItForOpenHandlesAndLeavesOthers) {
   auto gone = store.prefs.suite("gone");
   auto kept = store.prefs.suite("kept");
   ASSERT_TRUE(gone->set("k", 1).ok());
@@ -196,9 +188,7 @@ TEST(SqlitePreferences, RemovingADomainEmptiesItForOpenHandlesAndLeavesOthers) {
   EXPECT_EQ(store.prefs.suite("gone")->keys().value(), std::vector<std::string>{"again"});
 }
 
-TEST(SqlitePreferences, UsesAWriteAheadLog) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, UsesAWriteAheadLog) {
   ASSERT_TRUE(store.prefs.suite("x")->set("k", 1).ok());
   sqlite3* db = nullptr;
   ASSERT_EQ(sqlite3_open_v2(store.prefs.databasePath().c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
@@ -224,9 +214,7 @@ TEST(SqlitePreferences, AFileThatIsNoDatabaseRefusesSuitesAndLogsOnce) {
   EXPECT_NE(store.logged[0].find("preferences.sqlite3"), std::string::npos) << store.logged[0];
 }
 
-TEST(SqlitePreferences, ADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
-  TempDir dir;
-  Store store(dir.path);
+TEST_F(SqlitePreferencesTest, ADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
   auto suite = store.prefs.suite("x");
   PreferenceValue::Map many;
   for (int i = 0; i < 2000; ++i) many.emplace_back("key" + std::to_string(i), std::string(100, 'v'));

@@ -24,17 +24,17 @@ inline void PrintTo(const Dict& dict, std::ostream* os) { *os << json::write(dic
 
 namespace vantu::testing_support {
 
-struct GetOutcome {
-  int calls = 0;
-  bool success = false;
-  std::optional<PlatformError> error;
-  Dict result;
-};
-
+// What a store operation's completion was given (result only for reads).
 struct Outcome {
   int calls = 0;
   bool success = false;
   std::optional<PlatformError> error;
+  Dict result;
+  auto done() {
+    return [this](bool ok, std::optional<PlatformError> e, Dict r = {}) {
+      ++calls, success = ok, error = std::move(e), result = std::move(r);
+    };
+  }
 };
 
 class StorageFixture : public BridgeTestFixture {
@@ -43,38 +43,20 @@ class StorageFixture : public BridgeTestFixture {
   std::shared_ptr<PreferenceSuite> suite(const std::string& name) { return preferences().suite(name); }
   std::shared_ptr<UserDefaultsDataStoreImpl> store() { return UserDefaultsDataStoreImpl::shared(); }
 
-  GetOutcome get(const std::string& domain, std::vector<std::string> keys) {
-    GetOutcome outcome;
-    store()->getData(domain, std::move(keys), [&](bool success, std::optional<PlatformError> error, Dict result) {
-      ++outcome.calls;
-      outcome.success = success;
-      outcome.error = std::move(error);
-      outcome.result = std::move(result);
-    });
-    settle();
-    return outcome;
+  Outcome get(const std::string& domain, std::vector<std::string> keys) {
+    Outcome o;
+    store()->getData(domain, std::move(keys), o.done());
+    return settle(), o;
   }
-
   Outcome save(const std::string& domain, Dict data) {
-    Outcome outcome;
-    store()->saveData(domain, std::move(data), [&](bool success, std::optional<PlatformError> error) {
-      ++outcome.calls;
-      outcome.success = success;
-      outcome.error = std::move(error);
-    });
-    settle();
-    return outcome;
+    Outcome o;
+    store()->saveData(domain, std::move(data), o.done());
+    return settle(), o;
   }
-
   Outcome remove(const std::string& domain, std::vector<std::string> keys) {
-    Outcome outcome;
-    store()->removeData(domain, std::move(keys), [&](bool success, std::optional<PlatformError> error) {
-      ++outcome.calls;
-      outcome.success = success;
-      outcome.error = std::move(error);
-    });
-    settle();
-    return outcome;
+    Outcome o;
+    store()->removeData(domain, std::move(keys), o.done());
+    return settle(), o;
   }
 
   /// Every key of a suite (empty when it cannot be opened).
