@@ -147,16 +147,10 @@ TEST(JsonParseTest, DuplicateKeysLastWinsAtFirstPositionAndLargeObjectsParse) {
 
 TEST(JsonWriteTest, Scalars) {
   const std::pair<Value, const char*> cases[] = {
-      {Value(), "null"},
-      {Value(true), "true"},
-      {Value(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808"},
-      {Value(0.1), "0.1"},
-      {Value(1.0), "1"},
-      {Value(-0.0), "-0"},
-      {Value(1e100), "1e+100"},
-      {Value(5e-324), "5e-324"},
-      {Value(std::nan("")), "null"},
-      {Value(-std::numeric_limits<double>::infinity()), "null"},
+      {Value(), "null"}, {Value(true), "true"},
+      {Value(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808"}, {Value(0.1), "0.1"},
+      {Value(1.0), "1"}, {Value(-0.0), "-0"}, {Value(1e100), "1e+100"}, {Value(5e-324), "5e-324"},
+      {Value(std::nan("")), "null"}, {Value(-std::numeric_limits<double>::infinity()), "null"},
       {Value(Bytes{{'f', 'o', 'o', 'b'}}), "\"Zm9vYg==\""},
       {Value(Dict{{1, true}, {false, 2}, {"s", Array{}}}), R"({"1":true,"false":2,"s":[]})"},
   };
@@ -169,24 +163,14 @@ TEST(JsonWriteTest, Scalars) {
 TEST(JsonWriteTest, StringEscapingAndRepair) {
   const std::string fffd = "\xEF\xBF\xBD";
   const std::pair<std::string, std::string> cases[] = {
-      {"plain / text", "plain / text"},
-      {"\"\\", "\\\"\\\\"},
-      {"\b\f\n\r\t", "\\b\\f\\n\\r\\t"},
+      {"plain / text", "plain / text"}, {"\"\\", "\\\"\\\\"}, {"\b\f\n\r\t", "\\b\\f\\n\\r\\t"},
       {std::string("\0\x01\x1f\x7f", 4), "\\u0000\\u0001\\u001f\x7f"},
       {"\xE2\x80\xA8|\xE2\x80\xA9", "\\u2028|\\u2029"},
       {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
-      {"a\xFF" "b", "a" + fffd + "b"},
-      {"\xC3", fffd},
-      {"\xC3(", fffd + "("},
-      {"\x80\xBF", fffd + fffd},
-      {"\xC0\xAF", fffd + fffd},
-      {"\xE0\x80\xAF", fffd + fffd + fffd},
-      {"\xED\xA0\x80", fffd + fffd + fffd},
-      {"\xE2\x82", fffd},
-      {"\xE2\x82z", fffd + "z"},
-      {"\xF0\x9F\x98", fffd},
-      {"\xF4\x90\x80\x80", fffd + fffd + fffd + fffd},
-      {"\xF5\x80", fffd + fffd},
+      {"a\xFF" "b", "a" + fffd + "b"}, {"\xC3", fffd}, {"\xC3(", fffd + "("}, {"\x80\xBF", fffd + fffd},
+      {"\xC0\xAF", fffd + fffd}, {"\xE0\x80\xAF", fffd + fffd + fffd}, {"\xED\xA0\x80", fffd + fffd + fffd},
+      {"\xE2\x82", fffd}, {"\xE2\x82z", fffd + "z"}, {"\xF0\x9F\x98", fffd},
+      {"\xF4\x90\x80\x80", fffd + fffd + fffd + fffd}, {"\xF5\x80", fffd + fffd},
   };
   for (const auto& [input, body] : cases) {
     std::string out;
