@@ -14,11 +14,12 @@
 namespace vantu {
 namespace {
 
+// Runner case 11 pins another device, a missing locale, 5G and a host that
+// refuses app info end to end.
 class DeviceInfoBridgesTest : public testing_support::BridgeTestFixture {
  protected:
-  /// Every answer as JSON text, after letting the main queue run.
-  std::vector<std::string> call(std::string_view bridge, std::string_view screen = "", Dict data = {}) {
-    return send(bridge, std::move(data), screen);
+  std::vector<std::string> call(std::string_view bridge, std::string_view screen = "") {
+    return send(bridge, Dict{}, screen);
   }
   std::string callOnce(std::string_view bridge, std::string_view screen = "") {
     auto answers = call(bridge, screen);
@@ -39,12 +40,9 @@ const NetworkCase kNetworkCases[] = {
     {"default Wi-Fi", "{}", "Wifi"},
     {"Wi-Fi whatever the radio says", R"({"flags": ["reachable"], "radioAccessTechnology": "CTRadioAccessTechnologyNR"})",
      "Wifi"},
-    {"Wi-Fi, no radio", R"({"flags": 2, "radioAccessTechnology": null})", "Wifi"},
     {"Wi-Fi needing a connection made on demand",
      R"({"flags": ["reachable", "connectionRequired", "connectionOnDemand"]})", "Wifi"},
     {"LTE, flags as a number", R"({"flags": 262146, "radioAccessTechnology": "CTRadioAccessTechnologyLTE"})", "4G"},
-    {"5G", R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyNR"})",
-     R"(Unknown Technology: "CTRadioAccessTechnologyNR")"},
     {"a known name in other letter case",
      R"({"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologylte"})",
      R"(Unknown Technology: "CTRadioAccessTechnologylte")"},
@@ -107,9 +105,6 @@ struct DeviceCase {
 
 const DeviceCase kDeviceCases[] = {
     {"the default phone", "{}", "iPhone14,5", "17.5", "en"},
-    {"another phone", R"({"model": "iPhone16,2", "systemVersion": "18.0.1", "locale": "pt"})", "iPhone16,2", "18.0.1",
-     "pt"},
-    {"no locale language", R"({"locale": null})", "iPhone14,5", "17.5", ""},
     {"empty texts", R"({"model": "", "systemVersion": "", "locale": ""})", "", "", ""},
 };
 
@@ -194,18 +189,15 @@ TEST_F(AppInfoTest, TheHostsDictionaryIsAddedAndOnlyThenWrapped) {
     Lines asked;
   };
   const Case cases[] = {
-      {"rich", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
-       {"rich"}},
       {"richChild", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
        {"rich"}},
       {"emptyDict", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{}}})", {"emptyDict"}},
       // The partial delegate leaves getAppInfo to the default, which asks the environment's delegate.
       {"partial", R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"channel":"store","build":812}}})",
        {"rich"}},
-      {"refusing", kBare, {"refusing"}},
       {"erring", kBare, {"erring"}},
       {"textual", kBare, {"textual"}},
-      {"empty", kBare, {"empty"}},
+      {"empty", kBare, {"empty"}},  // a refusal is pinned by runner case 11
       {"plain", kBare, {}},
       {"plainChild", kBare, {}},
       {"bare", kBare, {}},
