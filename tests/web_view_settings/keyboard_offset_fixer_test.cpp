@@ -51,6 +51,14 @@ TEST_F(KeyboardOffsetFixerTest, RestoresTheOffsetSavedAtShowTwoTenthsOfASecondAf
   scrollView->setContentOffset({5, 600});
   show({5, 900});
   EXPECT_EQ(fixer->scrollViewOffsetBeforeKeyboardShown(), (Point{5, 600}));
+
+  // Releasing the fixer ends the observation: a hide schedules nothing.
+  std::weak_ptr<WebViewKeyboardOffsetFixer> weak = fixer;
+  fixer.reset();
+  EXPECT_TRUE(weak.expired());
+  EXPECT_EQ(device.notifications().observerCount(), before);
+  hide();
+  EXPECT_FALSE(device.dispatch().nextTimer());
 }
 
 // A show while a restore is pending is pinned by runner case 14.
@@ -121,18 +129,6 @@ TEST_F(KeyboardOffsetFixerTest, APendingRestoreHoldsTheFixerAndTheScrollView) {
   EXPECT_EQ(keep->contentOffset(), (Point{0, 0}));
 }
 
-TEST_F(KeyboardOffsetFixerTest, ReleasingTheFixerEndsTheObservation) {
-  auto before = device.notifications().observerCount();
-  auto fixer = WebViewKeyboardOffsetFixer::make(webView);
-  std::weak_ptr<WebViewKeyboardOffsetFixer> weak = fixer;
-  fixer.reset();
-  EXPECT_TRUE(weak.expired());
-  EXPECT_EQ(device.notifications().observerCount(), before);
-  scrollView->setContentOffset({0, 300});
-  hide();
-  EXPECT_FALSE(device.dispatch().nextTimer());
-}
-
 // --- Attaching through the environment.
 
 class AttachFixerTest : public testing_support::BridgeTestFixture {
@@ -151,13 +147,6 @@ class AttachFixerTest : public testing_support::BridgeTestFixture {
   }
 };
 
-TEST_F(AttachFixerTest, FindsTheWebViewInAChildScreenAndAttachesToTheGivenScreen) {
-  Laizaxlu::shared().attachKeyboardOffsetFixer(*device.screen("host"));
-  auto fixer = fixerOf("host");
-  ASSERT_TRUE(fixer);
-  EXPECT_EQ(fixer->webview(), device.findView("page.web"));
-}
-
 TEST_F(AttachFixerTest, WithoutAWebViewNothingIsAttached) {
   auto before = device.notifications().observerCount();
   Laizaxlu::shared().attachKeyboardOffsetFixer(*device.screen("plain"));  // only a nested web view
@@ -166,16 +155,19 @@ TEST_F(AttachFixerTest, WithoutAWebViewNothingIsAttached) {
   EXPECT_DEATH(getOffsetFixer(*device.screen("plain")), "offsetFixer");
 }
 
-TEST_F(AttachFixerTest, AttachingAgainReplacesAndReleasesTheEarlierFixer) {
+TEST_F(AttachFixerTest, FindsTheWebViewInAChildScreenAndAttachingAgainReplacesTheEarlierFixer) {
   auto before = device.notifications().observerCount();
+  Laizaxlu::shared().attachKeyboardOffsetFixer(*device.screen("host"));
+  ASSERT_TRUE(fixerOf("host"));
+  EXPECT_EQ(fixerOf("host")->webview(), device.findView("page.web"));
   Laizaxlu::shared().attachKeyboardOffsetFixer(*device.screen("page"));
   std::weak_ptr<WebViewKeyboardOffsetFixer> first = fixerOf("page");
   Laizaxlu::shared().attachKeyboardOffsetFixer(*device.screen("page"));
   EXPECT_TRUE(first.expired());
   EXPECT_NE(fixerOf("page"), nullptr);
-  EXPECT_EQ(device.notifications().observerCount(), before + 2);
+  EXPECT_EQ(device.notifications().observerCount(), before + 4);
 
-  // Releasing the screen releases its fixer.
+  // Releasing the screens releases its fixer.
   std::weak_ptr<WebViewKeyboardOffsetFixer> second = fixerOf("page");
   apply(R"({"screens": []})");
   EXPECT_TRUE(second.expired());
