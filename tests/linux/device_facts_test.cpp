@@ -51,6 +51,7 @@ TEST(Locale, TheLanguageIsTheLeadingCodeOfTheFirstSetVariable) {
   EXPECT_EQ(messagesLocale(nullptr, "", ""), "");
   EXPECT_EQ(messagesLocale(nullptr, nullptr, nullptr), "");
 }
+
 class LinuxDeviceFactsTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -91,20 +92,16 @@ TEST_F(LinuxDeviceFactsTest, FactsComeFromUnameOsReleaseAndTheGivenBundle) {
 }
 
 TEST_F(LinuxDeviceFactsTest, TheLanguageFollowsTheEnvironmentAtConstruction) {
-  auto saved = [](const char* name) { return std::getenv(name) ? Text(std::getenv(name)) : std::nullopt; };
-  Text all = saved("LC_ALL"), messages = saved("LC_MESSAGES"), lang = saved("LANG");
-  auto restore = [](const char* name, const Text& value) {
-    value ? setenv(name, value->c_str(), 1) : unsetenv(name);
-  };
+  const char* names[] = {"LC_ALL", "LC_MESSAGES", "LANG"};
+  Text saved[3];
+  for (int i = 0; i < 3; ++i) saved[i] = std::getenv(names[i]) ? Text(std::getenv(names[i])) : std::nullopt;
   unsetenv("LC_ALL");
   setenv("LC_MESSAGES", "", 1);
   setenv("LANG", "de_DE.UTF-8", 1);
   EXPECT_EQ(LinuxDeviceFacts().languageCode(), Text("de"));
   setenv("LC_ALL", "C", 1);
   EXPECT_EQ(LinuxDeviceFacts().languageCode(), std::nullopt);
-  restore("LC_ALL", all);
-  restore("LC_MESSAGES", messages);
-  restore("LANG", lang);
+  for (int i = 0; i < 3; ++i) saved[i] ? setenv(names[i], saved[i]->c_str(), 1) : unsetenv(names[i]);
 }
 
 }  // namespace

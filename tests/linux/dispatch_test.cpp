@@ -62,10 +62,9 @@ TEST_F(LinuxDispatchTest, MainQueueRunsPostedWorkInOrderOnlyWhenTheLoopRuns) {
   EXPECT_EQ(loop().runUntilIdle(), 4u);
   EXPECT_EQ(log, (Log{"a", "b", "c", "posted by b"}));
   EXPECT_EQ(loop().runUntilIdle(), 0u);
-}
 
-TEST_F(LinuxDispatchTest, RunWakesForOtherThreadsReturnsOnStopAndKeepsAStopBeforeRun) {
-  Log log;
+  // run() wakes for work from other threads, returns on stop and keeps a stop made before it.
+  log.clear();
   std::thread poster([&] {
     std::this_thread::sleep_for(20ms);  // let run() go to sleep first
     main()->async([&] { log.push_back("from another thread"); });
@@ -114,7 +113,7 @@ TEST_F(LinuxDispatchTest, TimersRunInDueOrderAndNeverEarlyOnMainAndSerialQueues)
 TEST_F(LinuxDispatchTest, MainSyncRunsOnTheLoopThreadInlineWhenCalledThere) {
   bool ran = false;
   main()->sync([&] { ran = true; });
-  EXPECT_TRUE(ran);
+  ASSERT_TRUE(ran);
   ran = false;
   main()->async([&] {
     bool inner = false;
@@ -180,7 +179,7 @@ TEST_F(LinuxDispatchTest, SyncWaitsFromOtherThreadsPassesOnExceptionsAndRunsInli
   EXPECT_EQ(log.get(), (Log{"inline", "after sync", "queued"}));
 }
 
-TEST_F(LinuxDispatchTest, DestroyingAQueueFinishesDueWorkDropsTimersAndJoinsItsThread) {
+TEST_F(LinuxDispatchTest, DestroyingAQueueFinishesDueWorkDropsTimersAndJoinsItsThreadEvenFromItsOwnTask) {
   auto baseThreads = countThreads();
   std::atomic<int> ran{0};
   auto timerState = std::make_shared<int>(0);
@@ -195,17 +194,12 @@ TEST_F(LinuxDispatchTest, DestroyingAQueueFinishesDueWorkDropsTimersAndJoinsItsT
   EXPECT_EQ(timerState.use_count(), 1);  // the dropped timer released what it held
   EXPECT_EQ(*timerState, 0);
   EXPECT_LE(threadsSettledAtMost(baseThreads), baseThreads);
-}
 
-TEST_F(LinuxDispatchTest, AQueueReleasedInsideItsOwnTaskShutsDownWithoutDeadlock) {
-  auto baseThreads = countThreads();
+  // A queue released inside its own task shuts down without deadlock.
   auto queue = dispatch.makeSerialQueue("q");
   Latch gate, done;
   queue->async([gate] { gate.waitFor(kSafety); });
-  queue->async([done, self = queue]() mutable {
-    self.reset();  // the last reference: the queue is destroyed on its own worker
-    done.set();
-  });
+  queue->async([done, self = queue]() mutable { self.reset(), done.set(); });  // destroyed on its own worker
   queue.reset();
   gate.set();
   ASSERT_TRUE(done.waitFor(kSafety));

@@ -28,10 +28,9 @@ TEST(LinuxPhotoLibrary, SavesPicturesUnderFreshNamesAndRefusesAnythingElse) {
   fs::remove_all(folder);
   LinuxPhotoLibrary library(folder);
   std::vector<bool> answers;
-  auto record = [&](bool success, std::optional<PlatformError>) { answers.push_back(success); };
-  library.createAsset(onePixelBmp(), record);
-  library.createAsset(onePixelBmp(), record);
-  library.createAsset(Bytes{{'n', 'o', 'p', 'e'}}, record);
+  for (const Bytes& data : {onePixelBmp(), onePixelBmp(), Bytes{{'n', 'o', 'p', 'e'}}}) {
+    library.createAsset(data, [&](bool success, std::optional<PlatformError>) { answers.push_back(success); });
+  }
   EXPECT_EQ(answers, (std::vector<bool>{true, true, false}));
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) {
