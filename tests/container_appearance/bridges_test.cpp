@@ -12,8 +12,6 @@ using testing_support::ContainerFixture;
 using testing_support::flatError;
 using testing_support::Strings;
 
-const std::string kTrue = "true";
-
 class BarBridgesTest : public ContainerFixture {};
 
 // Runner case 13 pins the successful calls, the printed customizer line and
@@ -33,10 +31,10 @@ TEST_F(BarBridgesTest, ChecksAndAnswers) {
        flatError("StatusbarBackgroundColorChangeHandler: Failed to bind params.viewController!")},
       {"vantuChangeStatusBarColor", R"({"color": 16777215})", "shop",
        flatError("StatusbarBackgroundColorChangeHandler: Failed to bind color hex value as a string!")},
-      {"vantuResetStatusBarBackgroundColor", R"({"anything": 1})", "loose", kTrue},
+      {"vantuResetStatusBarBackgroundColor", R"({"anything": 1})", "loose", "true"},
   };
   for (const auto& c : kCases) {
-    EXPECT_EQ(call(c.bridge, c.data, c.screen), Strings{c.answer}) << c.bridge << " " << c.data << " from " << c.screen;
+    EXPECT_EQ(send(c.bridge, c.data, c.screen), Strings{c.answer}) << c.bridge << " " << c.data << " from " << c.screen;
     EXPECT_EQ(device.takePrintedLines(), c.printed) << c.bridge << " " << c.data << " from " << c.screen;
   }
 }
@@ -85,7 +83,7 @@ TEST_F(PushWindowTest, ChecksInOrder) {
       {"pushWindow", R"({"url": "ftp://a.b/", "params": {}})", "orphan", "Failed to obtain uAId!"},
   };
   for (const auto& c : kCases) {
-    EXPECT_EQ(call(c.bridge, c.data, c.screen), Strings{flatError(c.message)}) << c.bridge << " " << c.data;
+    EXPECT_EQ(send(c.bridge, c.data, c.screen), Strings{flatError(c.message)}) << c.bridge << " " << c.data;
     EXPECT_EQ(providerCalls(), Strings{}) << c.bridge << " " << c.data;
     EXPECT_EQ(pushes(), Strings{}) << c.bridge << " " << c.data;
   }
@@ -105,7 +103,7 @@ TEST_F(PushWindowTest, HttpsIsASubstringTestAndParamsWinsOverParam) {
   for (const auto& c : kCases) {
     std::string data(c.data);
     data.insert(data.size() - 1, R"(, "appId": "other.app")");
-    EXPECT_EQ(call("vantuPushWindow", data, "shop"), Strings{}) << c.data;
+    EXPECT_EQ(send("vantuPushWindow", data, "shop"), Strings{}) << c.data;
     auto calls = device.takeDelegateCalls();
     ASSERT_EQ(calls.size(), 1u) << c.data;
     EXPECT_EQ(json::write(calls[0].getDict("arguments")->getDict("params").value()), c.expectedParams);
@@ -116,7 +114,7 @@ TEST_F(PushWindowTest, HttpsIsASubstringTestAndParamsWinsOverParam) {
 TEST_F(PushWindowTest, SuccessPushesTheProvidersScreenAndAnswersNothing) {
   // From a screen inside the navigation controller through its parent, with
   // flags of both kinds in the startup map.
-  EXPECT_EQ(call("pushWindow", R"({"url": "https://shop.example/cart", "params": {
+  EXPECT_EQ(send("pushWindow", R"({"url": "https://shop.example/cart", "params": {
       "keyboardDismissMode": 1, "title": "Cart", "vantuShowTitleBar": false,
       "vantuChangeStatusBarColor": "#fff", "allowsInlineMediaPlayback": true, "vantushowtitlebar": 1}})",
                  "shop.frame"),
@@ -138,8 +136,8 @@ TEST_F(PushWindowTest, NoProviderOrNoScreenFromItIsOneError) {
       flatError("Provider was nil or it returned nil result for view controller to push");
   for (std::string_view environment : {R"({"viewControllerProvider": {"returns": null}})", R"({})", "null"}) {
     apply(R"({"environment": )" + std::string(environment) + "}");
-    EXPECT_EQ(call("pushWindow", R"({"url": "a", "params": {}})", "shop"), Strings{kNoResult}) << environment;
-    EXPECT_EQ(call("vantuPushWindow", R"({"url": "https:", "params": {}, "appId": "x"})", "shop"), Strings{kNoResult})
+    EXPECT_EQ(send("pushWindow", R"({"url": "a", "params": {}})", "shop"), Strings{kNoResult}) << environment;
+    EXPECT_EQ(send("vantuPushWindow", R"({"url": "https:", "params": {}, "appId": "x"})", "shop"), Strings{kNoResult})
         << environment;
     EXPECT_EQ(pushes(), Strings{}) << environment;
   }

@@ -33,11 +33,6 @@ class ContainerFixture : public BridgeTestFixture {
         {"name": "bare"}
       ]})");
   }
-
-  /// The answers only; delegate calls and effects stay for the test to take.
-  Strings call(std::string_view bridge, std::string_view dataJson, std::string_view screen) {
-    return send(bridge, dataJson, screen);
-  }
 };
 
 }  // namespace vantu::testing_support

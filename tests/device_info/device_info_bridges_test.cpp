@@ -145,7 +145,6 @@ class AppInfoTest : public DeviceInfoBridgesTest {
       "app": {"info": {"CFBundleShortVersionString": "3.2.1"}},
       "delegates": {
         "rich":      {"answers": {"getAppInfo": {"success": true, "value": {"channel": "store", "build": 812}}}},
-        "refusing":  {"answers": {"getAppInfo": {"success": false, "value": {"channel": "store"}}}},
         "erring":    {"answers": {"getAppInfo": {"success": true, "value": {"channel": "store"},
                                                  "error": {"domain": "Host", "code": 3, "message": "busy"}}}},
         "textual":   {"answers": {"getAppInfo": {"success": true, "value": "store"}}},
@@ -158,7 +157,6 @@ class AppInfoTest : public DeviceInfoBridgesTest {
       "environment": {"delegate": "rich"},
       "screens": [
         {"name": "rich", "delegate": "rich", "children": [{"name": "richChild"}]},
-        {"name": "refusing", "delegate": "refusing"},
         {"name": "erring", "delegate": "erring"},
         {"name": "textual", "delegate": "textual"},
         {"name": "empty", "delegate": "empty"},
