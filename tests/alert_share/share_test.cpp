@@ -62,22 +62,18 @@ TEST_F(ShareBridges, ChecksComeInTheirOrder) {
       {"vantuShareText", "{}", "page", kInvalidText},
       {"vantuShareText", "{}", "", kInvalidText},
       {"vantuShareText", R"({"text": 12})", "page", kInvalidText},
-      {"vantuShareText", R"({"text": null})", "page", kInvalidText},
       {"vantuShareText", R"({"text": ["a"]})", "", kInvalidText},
       {"vantuShareText", R"({"text": "hi"})", "", kNoContext},
       // "vantuShareTextAndImage": the screen first.
       {"vantuShareTextAndImage", "{}", "", kImageNoContext},
-      {"vantuShareTextAndImage", R"({"text": "hi"})", "", kImageNoContext},
       {"vantuShareTextAndImage", R"({"image": ")" + png + R"("})", "", kImageNoContext},
       {"vantuShareTextAndImage", "{}", "page", kNothingPassed},
       {"vantuShareTextAndImage", R"({"text": 1, "image": 2})", "page", kNothingPassed},
       {"vantuShareTextAndImage", R"({"text": null, "image": {"b64": "x"}})", "page", kNothingPassed},
-      {"vantuShareTextAndImage", R"({"image": "!!!!"})", "page", kBadImage},
       {"vantuShareTextAndImage", R"({"image": ""})", "page", kBadImage},
       {"vantuShareTextAndImage", R"({"image": "bm90IGFuIGltYWdl"})", "page", kBadImage},  // "not an image"
       // With an image that fails, the text is not shared alone.
       {"vantuShareTextAndImage", R"({"text": "hi", "image": "@@@"})", "page", kBadImage},
-      {"vantuShareTextAndImage", R"({"text": "hi", "image": "bm90IGFuIGltYWdl"})", "page", kBadImage},
       // A text that is not a string is absent, and the image still counts.
       {"vantuShareTextAndImage", R"({"text": 5, "image": "@@@"})", "page", kBadImage},
   };
@@ -90,16 +86,9 @@ TEST_F(ShareBridges, ChecksComeInTheirOrder) {
   }
 }
 
-TEST_F(ShareBridges, ShareTextPresentsTheSheetAndAnswersAtOnce) {
-  auto out = call("vantuShareText", R"({"text": "Look at this", "image": "ignored"})");
-  EXPECT_EQ(out.answers, Strings{kSuccessFlag});
-  EXPECT_EQ(out.reported, Strings{"vantuShareText"});
-  EXPECT_EQ(out.effects, Strings{R"({"effect":"present","on":"page","presented":"shareSheet","animated":true,)"
-                                 R"("share":{"text":"Look at this","image":null}})"});
-  EXPECT_EQ(sharedItems(), Strings{"text:Look at this"});
-  close();
-
-  out = call("vantuShareText", R"({"text": ""})", "navPage");  // an empty text is still a text
+TEST_F(ShareBridges, ShareTextSharesEvenAnEmptyTextAndIgnoresAnImage) {
+  // The plain case is pinned by runner case 12.
+  auto out = call("vantuShareText", R"({"text": "", "image": "ignored"})", "navPage");  // an empty text is still a text
   EXPECT_EQ(out.answers, Strings{kSuccessFlag});
   EXPECT_EQ(sharedItems("navPage"), Strings{"text:"});
 }
@@ -113,7 +102,6 @@ TEST_F(ShareBridges, ShareTextAndImageSharesTextImageOrBothInThatOrder) {
   };
   const Case cases[] = {
       {R"({"text": "hi"})", {"text:hi"}, R"({"text":"hi","image":null})"},
-      {R"({"text": "hi", "image": null})", {"text:hi"}, R"({"text":"hi","image":null})"},
       {R"({"text": "hi", "image": 42})", {"text:hi"}, R"({"text":"hi","image":null})"},
       {R"({"image": ")" + png + R"("})", {"image:2x2"}, R"({"text":null,"image":{"width":2,"height":2}})"},
       {R"({"image": ")" + png + R"(", "text": "both"})", {"text:both", "image:2x2"},
@@ -173,8 +161,6 @@ TEST_F(ShareBridges, ImagesAsDataUrls) {
       {"data:image/png," + escaped, {}, {"image:2x2"}},
       // The media type is not checked: the bytes decide.
       {"data:image/jpeg;base64," + base64Of(png), {}, {"image:2x2"}},
-      // Not a data URL: nothing is loaded, whatever the URL names.
-      {"https://example.com/data:image/png", kBadImage, {}},
       // "data:image" anywhere makes Base64 text a URL, here one that loads nothing.
       {base64Of(png) + "data:image", kBadImage, {}},
       // A data URL whose bytes are no picture, or that is no URL at all
