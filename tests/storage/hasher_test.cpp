@@ -8,21 +8,18 @@
 namespace vantu {
 namespace {
 
-TEST(SecureStringHasher, MatchesThePublishedSha1Vectors) {
-  EXPECT_EQ(SecureStringHasher::hexSHA1(""), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
-  EXPECT_EQ(SecureStringHasher::hexSHA1("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
-  EXPECT_EQ(SecureStringHasher::hexSHA1("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
-            "84983e441c3bd26ebaae4aa1f95129e5e54670f1");
-  EXPECT_EQ(SecureStringHasher::hexSHA1(std::string(1000000, 'a')), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
-  EXPECT_EQ(SecureStringHasher::hexSHA1("The quick brown fox jumps over the lazy dog"),
-            "2fd4e1c67a2d28fced849ee1bb76e7391b93eb12");
-}
-
-TEST(SecureStringHasher, HashesTheUtf8BytesIncludingNul) {
-  // "é" as UTF-8 (c3 a9) and a string holding a NUL byte.
-  EXPECT_EQ(SecureStringHasher::hexSHA1("\xc3\xa9"), "bf15be717ac1b080b4f1c456692825891ff5073d");
-  EXPECT_NE(SecureStringHasher::hexSHA1(std::string("a\0b", 3)), SecureStringHasher::hexSHA1("a"));
-  EXPECT_NE(SecureStringHasher::hexSHA1(std::string("a\0b", 3)), SecureStringHasher::hexSHA1("ab"));
+TEST(SecureStringHasher, MatchesThePublishedSha1VectorsAndHashesUtf8BytesIncludingNul) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"", "da39a3ee5e6b4b0d3255bfef95601890afd80709"}, {"abc", "a9993e364706816aba3e25717850c26c9cd0d89d"},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
+      {std::string(1000000, 'a'), "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
+      {"The quick brown fox jumps over the lazy dog", "2fd4e1c67a2d28fced849ee1bb76e7391b93eb12"},
+      {"\xc3\xa9", "bf15be717ac1b080b4f1c456692825891ff5073d"},  // "é" as UTF-8
+  };
+  for (const auto& [text, hex] : cases) EXPECT_EQ(SecureStringHasher::hexSHA1(text), hex);
+  const std::string withNul("a\0b", 3);
+  EXPECT_NE(SecureStringHasher::hexSHA1(withNul), SecureStringHasher::hexSHA1("a"));
+  EXPECT_NE(SecureStringHasher::hexSHA1(withNul), SecureStringHasher::hexSHA1("ab"));
 }
 
 TEST(SandboxDomainName, IsTheSaltedHashFollowedByTheMarker) {

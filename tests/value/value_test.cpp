@@ -13,9 +13,7 @@ TEST(KeyTest, KindsAreDistinctKeysWithDistinctHashes) {
   for (std::size_t i = 0; i < keys.size(); ++i) {
     for (std::size_t j = 0; j < keys.size(); ++j) {
       EXPECT_EQ(keys[i] == keys[j], i == j) << i << " vs " << j;
-      if (i != j) {
-        EXPECT_NE(keys[i].hash(), keys[j].hash()) << i << " vs " << j;
-      }
+      if (i != j) { EXPECT_NE(keys[i].hash(), keys[j].hash()) << i << " vs " << j; }
     }
   }
   EXPECT_EQ(Key(std::int64_t{7}).hash(), Key(7).hash());
@@ -67,8 +65,7 @@ TEST(DictTest, MatchesListModelAcrossIndexThreshold) {
     universe.emplace_back(std::to_string(i));
     universe.emplace_back(i);
   }
-  universe.emplace_back(true);
-  universe.emplace_back(false);
+  universe.insert(universe.end(), {Key(true), Key(false)});
 
   Dict dict;
   std::vector<std::pair<Key, int>> model;
@@ -83,11 +80,8 @@ TEST(DictTest, MatchesListModelAcrossIndexThreshold) {
     const bool growing = (step / 500) % 2 == 0;
     if (rng() % 10 < (growing ? 7u : 1u)) {
       dict.set(k, step);
-      if (auto it = modelFind(k); it != model.end()) {
-        it->second = step;
-      } else {
-        model.emplace_back(k, step);
-      }
+      if (auto it = modelFind(k); it != model.end()) it->second = step;
+      else model.emplace_back(k, step);
     } else {
       const bool present = modelFind(k) != model.end();
       ASSERT_EQ(dict.erase(k), present);
@@ -104,9 +98,7 @@ TEST(DictTest, MatchesListModelAcrossIndexThreshold) {
       const auto it = modelFind(probe);
       const Value* v = dict.find(probe);
       ASSERT_EQ(v != nullptr, it != model.end()) << "step " << step << " key " << probe.text();
-      if (v) {
-        ASSERT_EQ(*v, Value(it->second));
-      }
+      if (v) { ASSERT_EQ(*v, Value(it->second)); }
     }
   }
   EXPECT_GE(crossings, 3);
