@@ -82,11 +82,11 @@ Bytes u32(std::uint32_t v) { return bytesOf(v); }
 Bytes text(const char* s) { return Bytes(reinterpret_cast<const std::byte*>(s), reinterpret_cast<const std::byte*>(s) + std::strlen(s) + 1); }
 void pad(Bytes& out) { out.resize((out.size() + 3) / 4 * 4); }
 
+Bytes& operator+=(Bytes& out, const Bytes& more) { return out.insert(out.end(), more.begin(), more.end()), out; }
+
 Bytes attribute(unsigned short type, const Bytes& payload) {
-  rtattr header{static_cast<unsigned short>(RTA_LENGTH(payload.size())), type};
-  Bytes out = bytesOf(header);
-  out.insert(out.end(), payload.begin(), payload.end());
-  pad(out);
+  Bytes out = bytesOf(rtattr{static_cast<unsigned short>(RTA_LENGTH(payload.size())), type});
+  pad(out += payload);
   return out;
 }
 
@@ -95,13 +95,12 @@ void appendMessage(Bytes& buffer, std::uint16_t type, const Body& body, const st
                    std::uint16_t flags = 0) {
   Bytes payload = bytesOf(body);
   pad(payload);
-  for (const auto& a : attrs) payload.insert(payload.end(), a.begin(), a.end());
+  for (const auto& a : attrs) payload += a;
   nlmsghdr header{.nlmsg_len = static_cast<std::uint32_t>(NLMSG_HDRLEN + payload.size()), .nlmsg_type = type,
                   .nlmsg_flags = flags};
   Bytes message = bytesOf(header);
   message.resize(NLMSG_HDRLEN);
-  message.insert(message.end(), payload.begin(), payload.end());
-  buffer.insert(buffer.end(), message.begin(), message.end());
+  buffer += message += payload;
 }
 
 void appendLink(Bytes& buffer, int index, const char* name, unsigned flags, unsigned short type) {
@@ -122,8 +121,7 @@ Bytes nextHop(int index, unsigned char flags = 0) {
   rtnexthop hop{.rtnh_len = static_cast<unsigned short>(sizeof(rtnexthop) + gw.size()), .rtnh_flags = flags,
                 .rtnh_ifindex = index};
   Bytes out = bytesOf(hop);
-  out.insert(out.end(), gw.begin(), gw.end());
-  return out;
+  return out += gw;
 }
 
 TEST(NetlinkMessages, LinksAndUnicastDefaultRoutesOfTheMainTableAreTaken) {
@@ -144,8 +142,8 @@ TEST(NetlinkMessages, LinksAndUnicastDefaultRoutesOfTheMainTableAreTaken) {
                 {attribute(RTA_TABLE, u32(1000)), attribute(RTA_OIF, u32(2))});
   appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET, 0, RT_TABLE_LOCAL), {attribute(RTA_OIF, u32(1))});
   // Multipath IPv6 default: one live hop, one dead.
-  Bytes hops = nextHop(3), dead = nextHop(2, RTNH_F_DEAD);
-  hops.insert(hops.end(), dead.begin(), dead.end());
+  Bytes hops = nextHop(3);
+  hops += nextHop(2, RTNH_F_DEAD);
   appendMessage(buffer, RTM_NEWROUTE, routeHeader(AF_INET6),
                 {attribute(RTA_PRIORITY, u32(1024)), attribute(RTA_MULTIPATH, hops)});
   appendMessage(buffer, NLMSG_DONE, std::uint32_t{0});
@@ -172,8 +170,7 @@ TEST(NetlinkMessages, ErrorsAndMalformedLengthsFailWhileAcksAndTruncatedTailsDoN
   EXPECT_EQ(snapshot.interfaces.size(), 1u);
 
   appendLink(malformed, 5, "eth2", kUp, ARPHRD_ETHER);
-  Bytes tail = bytesOf(nlmsghdr{.nlmsg_len = 4});  // shorter than a header
-  malformed.insert(malformed.end(), tail.begin(), tail.end());
+  malformed += bytesOf(nlmsghdr{.nlmsg_len = 4});  // shorter than a header
   EXPECT_FALSE(parse(malformed));
 
   appendLink(truncated, 6, "eth3", kUp, ARPHRD_ETHER);
