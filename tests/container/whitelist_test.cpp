@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,26 +30,19 @@ const char* const kAssortedUrls[] = {
 
 // --- Environment checks.
 
-TEST_F(WhitelistTest, BeforeAnySetupUrlsPassAndOnlyMiniappsAreWhitelisted) {
+TEST_F(WhitelistTest, BeforeAnySetupOnlyMiniappsAreWhitelistedAndAnyInstalledTableWhitelistsEveryId) {
   auto& env = Laizaxlu::shared();
   for (const char* text : kAssortedUrls) EXPECT_TRUE(env.isURLWhitelisted(url(text))) << text;
-  for (const char* id : {"x", "", "com.host.app"}) {
-    EXPECT_FALSE(env.isWhitelisted(std::string(id))) << id;
-    EXPECT_FALSE(env.isAppWhitelistedWith(id)) << id;
-    EXPECT_FALSE(env.isWhitelisted(id, AppType::generic)) << id;
-    EXPECT_TRUE(env.isWhitelisted(id, AppType::miniapp)) << id;
-  }
-}
-
-TEST_F(WhitelistTest, AnyInstalledAppTableWhitelistsEveryIdentifier) {
-  auto& env = Laizaxlu::shared();
-  for (const auto& table : {H5WhiteListAppData::Table{}, H5WhiteListAppData::Table{{"only", "one.example"}}}) {
-    env.setupWhiteListAppData(table);
-    for (const char* id : {"x", "", "only", "not-in-the-table"}) {
-      EXPECT_TRUE(env.isWhitelisted(std::string(id))) << id;
-      EXPECT_TRUE(env.isAppWhitelistedWith(id)) << id;
-      EXPECT_TRUE(env.isWhitelisted(id, AppType::generic)) << id;
-      EXPECT_TRUE(env.isWhitelisted(id, AppType::miniapp)) << id;
+  const std::optional<H5WhiteListAppData::Table> kTables[] = {
+      std::nullopt, H5WhiteListAppData::Table{}, H5WhiteListAppData::Table{{"only", "one.example"}}};
+  for (const auto& table : kTables) {
+    if (table) env.setupWhiteListAppData(*table);
+    for (const char* id : {"x", "", "only", "com.host.app"}) {
+      SCOPED_TRACE(std::string(table ? "installed " : "unset ") + id);
+      EXPECT_EQ(env.isWhitelisted(std::string(id)), table.has_value());
+      EXPECT_EQ(env.isAppWhitelistedWith(id), table.has_value());
+      EXPECT_EQ(env.isWhitelisted(id, AppType::generic), table.has_value());
+      EXPECT_TRUE(env.isWhitelisted(id, AppType::miniapp));
     }
   }
 }
