@@ -184,26 +184,26 @@ TEST_F(Migration, ATrackedHashedDomainIsTakenForAnOldOneAndMovedToTheHashOfItsDi
   EXPECT_EQ(keysOf(sandboxDomainName(hashed.substr(0, 40))), Strings{"k"});
 }
 
-class Clearing : public DataStore {};
+class Clearing : public DataStore {
+ protected:
+  void clear() { Laizaxlu::shared().clearAppSandbox(), settle(); }
+  void clear(std::optional<Dict> exempt) { Laizaxlu::shared().clearAppSandbox(std::move(exempt)), settle(); }
+};
 
 TEST_F(Clearing, KeepsExemptedDataButForgetsEveryTrackedDomain) {
   for (auto id : {"app1", "app2", "app3"}) ASSERT_TRUE(save(sandboxDomainName(id), Dict{{"k", id}}).success);
   UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_name");
-  Laizaxlu::shared().clearAppSandbox(Dict{{"app1", "ignored value"}});
-  settle();
+  clear(Dict{{"app1", "ignored value"}});
   EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
-  EXPECT_TRUE(keysOf(sandboxDomainName("app2")).empty());
-  EXPECT_TRUE(keysOf(sandboxDomainName("app3")).empty());
+  EXPECT_TRUE(keysOf(sandboxDomainName("app2")).empty() && keysOf(sandboxDomainName("app3")).empty());
   EXPECT_TRUE(tracked().empty());
 
   // Untracked now, app1's data survives the next full clearing...
-  Laizaxlu::shared().clearAppSandbox();
-  settle();
+  clear();
   EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
   // ...until the page touches it again.
   get(sandboxDomainName("app1"), {"k"});
-  Laizaxlu::shared().clearAppSandbox(std::nullopt);
-  settle();
+  clear(std::nullopt);
   EXPECT_TRUE(keysOf(sandboxDomainName("app1")).empty());
 }
 
@@ -211,8 +211,7 @@ TEST_F(Clearing, LeavesUntrackedAndOldStyleDataOnDisk) {
   ASSERT_TRUE(suite("legacy_domain")->set("k", 1).ok());
   UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_domain");
   ASSERT_TRUE(suite(sandboxDomainName("untracked"))->set("k", 1).ok());
-  Laizaxlu::shared().clearAppSandbox();
-  settle();
+  clear();
   EXPECT_EQ(keysOf("legacy_domain"), Strings{"k"});
   EXPECT_EQ(keysOf(sandboxDomainName("untracked")), Strings{"k"});
   EXPECT_TRUE(tracked().empty());
