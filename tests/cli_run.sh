@@ -22,16 +22,19 @@ if "$cli" run "$work/failing" --self-test --data-dir "$work/data" --timeout 60 >
   cat "$work/log2"; echo "a failing self-test exited 0"; exit 1
 fi
 grep -q '^self-test: failed: on purpose' "$work/log2" || { cat "$work/log2"; echo "wrong verdict"; exit 1; }
-# A device profile: the page sees its permission states and position fix.
+# A device profile: the page sees its permission states, position fix and network.
 mkdir "$work/profiled"
-printf '%s' '{"permissions": {"camera": "denied"}, "location": {"lastFix": {"latitude": 21.0285, "longitude": 105.8542}}}' >"$work/profile.json"
+printf '%s' '{"permissions": {"camera": "denied"}, "location": {"lastFix": {"latitude": 21.0285, "longitude": 105.8542}},
+  "network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyLTE"}}' >"$work/profile.json"
 printf '%s' '<html><body><script>
 vantu.invoke("vantuCheckPermission", {permission: "camera"}).then(function (p) {
   return vantu.invoke("vantuRequestPermission", {permission: "location"}).then(function () {
     return vantu.invoke("vantuGetLocation", {});
   }).then(function (l) {
-    var ok = p.data.camera === 0 && JSON.stringify(l).indexOf("21.0285") >= 0;
-    document.title = ok ? "vantu-selftest:done" : "vantu-selftest:failed: " + JSON.stringify([p, l]);
+    return vantu.invoke("vantuNetworkType", {}).then(function (n) {
+      var ok = p.data.camera === 0 && JSON.stringify(l).indexOf("21.0285") >= 0 && JSON.stringify(n).indexOf("4G") >= 0;
+      document.title = ok ? "vantu-selftest:done" : "vantu-selftest:failed: " + JSON.stringify([p, l, n]);
+    });
   });
 });</script></body></html>' >"$work/profiled/index.html"
 "$cli" run "$work/profiled" --self-test --device-profile "$work/profile.json" --data-dir "$work/data" --timeout 60 \

@@ -100,11 +100,12 @@ int runContainer(const RunOptions& options) {
   platformOptions.dataDirectory = dataDir;
   auto bundle = gtk::makeGtkPlatform(std::move(platformOptions));
   if (!bundle) return fail("no display to open a window on (set DISPLAY, or run under xvfb-run)");
-  // Device capabilities the desktop platform lacks come from the profile
-  // (the simulated device's defaults without one).
-  auto loaded = sim::DeviceProfile::load(profile ? *profile : Value(Dict{}), bundle->dispatch);
-  if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
-  std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
+  // A device profile replaces the services of its sections.
+  if (profile) {
+    auto loaded = sim::DeviceProfile::load(*profile, *bundle->platform);
+    if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
+    std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
+  }
   installPlatform(bundle->platform);
 
   // What to open, and the web domains that may call bridges.

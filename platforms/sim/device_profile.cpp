@@ -5,42 +5,80 @@
 #include "platforms/sim/scenario.h"
 
 namespace vantu::sim {
+namespace {
 
-DeviceProfile::DeviceProfile(std::shared_ptr<Dispatch> dispatch)
-    : effects_(std::make_shared<EffectLog>()),
-      authorization_(std::make_shared<SimAuthorization>(dispatch, effects_)),
-      locationServices_(std::make_shared<SimLocationServices>(dispatch, authorization_)),
-      geocoder_(std::make_shared<SimGeocoder>(dispatch, effects_)),
-      deviceOwnerAuthentication_(std::make_shared<SimDeviceOwnerAuthentication>(dispatch, effects_)) {}
+/// The platform's own device facts with the profile's radio technology.
+class RadioOverride : public DeviceFacts {
+ public:
+  RadioOverride(std::shared_ptr<DeviceFacts> base, std::optional<std::string> radio)
+      : base_(std::move(base)), radio_(std::move(radio)) {}
 
-std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profile, std::shared_ptr<Dispatch> dispatch) {
+ protected:
+  std::optional<Dict> mainBundleInfo() const override { return base_->bundleInfo(); }
+  std::string hardwareMachine() const override { return base_->modelIdentifier(); }
+  std::string osVersion() const override { return base_->systemVersion(); }
+  std::optional<std::string> localeLanguageCode() const override { return base_->languageCode(); }
+  std::optional<std::string> currentRadioAccessTechnology() const override { return radio_; }
+  bool runningOnDevice() const override { return base_->isRunningOnDevice(); }
+  double currentTimeSince1970() const override { return base_->secondsSince1970(); }
+
+ private:
+  std::shared_ptr<DeviceFacts> base_;
+  std::optional<std::string> radio_;
+};
+
+}  // namespace
+
+std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profile, const Platform& base) {
   const Dict* sections = profile.asDict();
   if (!sections) return std::string("a device profile must be a JSON object");
   for (const auto& [key, value] : *sections) {
     const std::string name = key.text();
     if (std::find(std::begin(kSections), std::end(kSections), name) == std::end(kSections)) {
       return "unknown device profile section \"" + name +
-             "\" (a profile holds \"permissions\", \"location\" and \"deviceOwnerAuthentication\")";
+             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\" and \"network\")";
     }
   }
-  DeviceProfile loaded(std::move(dispatch));
+  const auto& dispatch = base.dispatch;
+  auto effects = std::make_shared<EffectLog>();
+  DeviceProfile loaded;
   std::optional<std::string> error;
-  if (const Value* v = sections->find("permissions")) error = loadPermissions(*loaded.authorization_, *v);
-  if (error) return "permissions: " + *error;
-  if (const Value* v = sections->find("location")) error = loadLocation(*loaded.locationServices_, *loaded.geocoder_, *v);
-  if (error) return "location: " + *error;
-  if (const Value* v = sections->find("deviceOwnerAuthentication")) {
-    error = loadDeviceOwnerAuthentication(*loaded.deviceOwnerAuthentication_, *v);
+  const Value* location = sections->find("location");
+  if (const Value* v = sections->find("permissions"); v || (location && !base.authorization)) {
+    loaded.authorization_ = std::make_shared<SimAuthorization>(dispatch, effects);
+    if (v) error = loadPermissions(*loaded.authorization_, *v);
+    if (error) return "permissions: " + *error;
   }
-  if (error) return "deviceOwnerAuthentication: " + *error;
+  if (location) {
+    std::shared_ptr<Authorization> authorization = loaded.authorization_;
+    if (!authorization) authorization = base.authorization;
+    loaded.locationServices_ = std::make_shared<SimLocationServices>(dispatch, std::move(authorization));
+    loaded.geocoder_ = std::make_shared<SimGeocoder>(dispatch, effects);
+    error = loadLocation(*loaded.locationServices_, *loaded.geocoder_, *location);
+    if (error) return "location: " + *error;
+  }
+  if (const Value* v = sections->find("deviceOwnerAuthentication")) {
+    loaded.deviceOwnerAuthentication_ = std::make_shared<SimDeviceOwnerAuthentication>(dispatch, effects);
+    error = loadDeviceOwnerAuthentication(*loaded.deviceOwnerAuthentication_, *v);
+    if (error) return "deviceOwnerAuthentication: " + *error;
+  }
+  if (const Value* v = sections->find("network")) {
+    loaded.reachability_ = std::make_shared<SimReachability>();
+    std::optional<std::string> radio = base.device ? base.device->radioAccessTechnology() : std::nullopt;
+    error = loadNetwork(*loaded.reachability_, radio, *v);
+    if (error) return *error;
+    if (base.device) loaded.facts_ = std::make_shared<RadioOverride>(base.device, std::move(radio));
+  }
   return loaded;
 }
 
 void DeviceProfile::installInto(Platform& platform) const {
-  platform.authorization = authorization_;
-  platform.locationServices = locationServices_;
-  platform.geocoder = geocoder_;
-  platform.deviceOwnerAuthentication = deviceOwnerAuthentication_;
+  if (authorization_) platform.authorization = authorization_;
+  if (locationServices_) platform.locationServices = locationServices_;
+  if (geocoder_) platform.geocoder = geocoder_;
+  if (deviceOwnerAuthentication_) platform.deviceOwnerAuthentication = deviceOwnerAuthentication_;
+  if (reachability_) platform.reachability = reachability_;
+  if (facts_) platform.device = facts_;
 }
 
 }  // namespace vantu::sim

@@ -1,18 +1,18 @@
 #pragma once
-// A device profile: the simulated device's capability services (permission
-// states and prompt answers, location and geocoding, owner authentication)
-// on a platform of their own. A real container takes the capabilities its
-// platform lacks from a profile, so page authors can try denied
-// permissions, no position fix or a failed authentication on a desktop.
+// A device profile: simulated capability services laid over a real
+// platform, so page authors can try denied permissions, no position fix,
+// a failed owner authentication or another network on a desktop. Each
+// section of the profile replaces the services it names; the platform keeps
+// its own for the rest.
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 
 #include "platforms/sim/sim_authentication.h"
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_location.h"
+#include "platforms/sim/sim_reachability.h"
 #include "vantu/platform/platform.h"
 #include "vantu/value/value.h"
 
@@ -20,25 +20,31 @@ namespace vantu::sim {
 
 class DeviceProfile {
  public:
-  /// The sections a profile may hold; each reads as in a scenario.
-  static constexpr std::string_view kSections[] = {"permissions", "location", "deviceOwnerAuthentication"};
+  /// The sections a profile may hold; each reads as in a scenario
+  /// ("network" as the device section's "network" object).
+  static constexpr std::string_view kSections[] = {"permissions", "location", "deviceOwnerAuthentication", "network"};
 
-  /// Services answering on `dispatch`'s main queue, in their default
-  /// states, then changed by `profile` (an object holding any of
-  /// kSections). Returns the reason when the profile is malformed.
-  static std::variant<DeviceProfile, std::string> load(const Value& profile, std::shared_ptr<Dispatch> dispatch);
+  /// Reads `profile` (an object holding any of kSections) into services for
+  /// its sections, answering on `base`'s main queue. A "location" section
+  /// reads the app's location authorisation from the profile's
+  /// "permissions" when it has them, else from `base`'s authorisation port
+  /// (and, when `base` has none, from a simulated one in its default
+  /// states, installed with it). Returns the reason when the profile is
+  /// malformed.
+  static std::variant<DeviceProfile, std::string> load(const Value& profile, const Platform& base);
 
-  /// Puts the services into `platform`, replacing what it had for them.
+  /// Puts the profile's services into `platform`, leaving the others.
   void installInto(Platform& platform) const;
 
  private:
-  explicit DeviceProfile(std::shared_ptr<Dispatch> dispatch);
+  DeviceProfile() = default;
 
-  std::shared_ptr<EffectLog> effects_;
   std::shared_ptr<SimAuthorization> authorization_;
   std::shared_ptr<SimLocationServices> locationServices_;
   std::shared_ptr<SimGeocoder> geocoder_;
   std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
+  std::shared_ptr<SimReachability> reachability_;
+  std::shared_ptr<DeviceFacts> facts_;
 };
 
 }  // namespace vantu::sim

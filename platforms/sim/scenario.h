@@ -18,6 +18,7 @@ class SimAuthorization;
 class SimLocationServices;
 class SimGeocoder;
 class SimDeviceOwnerAuthentication;
+class SimReachability;
 
 /// Applies `value` (the section's content); returns the reason on bad input.
 using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
@@ -40,8 +41,12 @@ std::optional<std::string> loadEnvironmentSection(SimDevice& device, const Value
 std::optional<std::string> loadScreensSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Value& value);
 
-// Device facts and the network (scenario_device.cpp).
+// Device facts and the network (scenario_device.cpp). The network object
+// (the device section's "network") also applies on its own to a
+// reachability service and a radio technology.
 std::optional<std::string> loadDeviceSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadNetwork(SimReachability& reachability, std::optional<std::string>& radioTechnology,
+                                       const Value& value);
 
 // The device-capability sections. Each also applies to services of its own,
 // outside a simulated device (a device profile, see device_profile.h).

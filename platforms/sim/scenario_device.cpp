@@ -74,7 +74,9 @@ Error readFlags(const Value& v, ReachabilityFlags& out) {
   return std::nullopt;
 }
 
-Error loadNetwork(SimDevice& device, const Value& value) {
+}  // namespace
+
+Error loadNetwork(SimReachability& reachability, std::optional<std::string>& radioTechnology, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("\"network\" must be an object");
   // Check everything first, so that a bad field changes nothing.
@@ -97,12 +99,14 @@ Error loadNetwork(SimDevice& device, const Value& value) {
       return "network: " + *unknownField(key);
     }
   }
-  if (technology) device.facts().radioTechnology = *technology;
-  if (unavailable) device.reachability().unavailable = *unavailable;
+  if (technology) radioTechnology = *technology;
+  if (unavailable) reachability.unavailable = *unavailable;
   // Last: running monitors hear of the change with the rest already in place.
-  if (flags) device.reachability().setFlags(*flags);
+  if (flags) reachability.setFlags(*flags);
   return std::nullopt;
 }
+
+namespace {
 
 Error readImagePickerSources(const Value& value, std::set<ImagePickerSource>& out) {
   static constexpr std::pair<std::string_view, ImagePickerSource> kSourceNames[] = {
@@ -148,7 +152,7 @@ Error loadDeviceSection(SimDevice& device, const Value& value) {
   if (const Value* v = d->find("locale")) {
     if (auto e = readOptionalText(*v, "locale", facts.language)) return e;
   }
-  if (const Value* v = d->find("network")) return loadNetwork(device, *v);
+  if (const Value* v = d->find("network")) return loadNetwork(device.reachability(), facts.radioTechnology, *v);
   return std::nullopt;
 }
 

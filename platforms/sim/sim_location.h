@@ -1,8 +1,8 @@
 #pragma once
 // Location services and the geocoder on the simulated device. The app's
-// location authorisation is the "location" resource of SimAuthorization,
-// so the "permissions" section and the runner's "answerPrompt" command
-// script it; the when-in-use prompt goes through that resource's prompt
+// location authorisation is the "location" resource of the authorisation
+// port (on the simulated device SimAuthorization, so the "permissions"
+// section and the runner's "answerPrompt" command script it); the when-in-use prompt goes through that resource's prompt
 // and its answer is told to every live manager.
 
 #include <memory>
@@ -19,7 +19,7 @@ namespace vantu::sim {
 
 class SimLocationServices : public LocationServices, public std::enable_shared_from_this<SimLocationServices> {
  public:
-  SimLocationServices(std::shared_ptr<Dispatch> dispatch, std::shared_ptr<SimAuthorization> authorization)
+  SimLocationServices(std::shared_ptr<Dispatch> dispatch, std::shared_ptr<Authorization> authorization)
       : dispatch_(std::move(dispatch)), authorization_(std::move(authorization)) {}
 
   /// Off: the app's state reads `denied` and no prompt can be shown.
@@ -38,7 +38,7 @@ class SimLocationServices : public LocationServices, public std::enable_shared_f
   void tellManagers(AuthorizationState state);
 
   std::shared_ptr<Dispatch> dispatch_;
-  std::shared_ptr<SimAuthorization> authorization_;
+  std::shared_ptr<Authorization> authorization_;
   std::vector<std::weak_ptr<LocationManager>> managers_;
   bool promptShown_ = false;
 };
