@@ -138,6 +138,12 @@ void GtkConsentPrompt::show(ProtectedResource resource, Answer answer) {
                      return TRUE;
                    }),
                    pending);
+  // A window destroyed unanswered (the app closing) leaves no stale entry.
+  g_signal_connect(window, "destroy", G_CALLBACK(+[](GtkWidget* destroyed, gpointer data) {
+                     auto it = shownPrompts().find(static_cast<ProtectedResource>(GPOINTER_TO_INT(data)));
+                     if (it != shownPrompts().end() && GTK_WIDGET(it->second.window) == destroyed) shownPrompts().erase(it);
+                   }),
+                   GINT_TO_POINTER(static_cast<int>(resource)));
   shownPrompts()[resource] = {window, question, deny, allow};
   gtk_window_present(window);
 }
