@@ -3,12 +3,35 @@
 #include <gtk/gtk.h>
 
 #include "platforms/gtk/glib_main_context.h"
+#include "platforms/gtk/gtk_consent.h"
 
 namespace vantu::gtk {
+namespace {
+
+/// The name the permission dialogs give the host app: its bundle's display
+/// name or name, else GLib's application name.
+std::string appNameFor(const linux_platform::LinuxPlatformOptions& options) {
+  if (options.bundleInfo) {
+    for (const char* key : {"CFBundleDisplayName", "CFBundleName"}) {
+      if (auto name = options.bundleInfo->getString(key); name && !name->empty()) return *name;
+    }
+  }
+  const char* name = g_get_application_name();
+  return name && *name ? name : "vantu-h5";
+}
+
+}  // namespace
 
 std::optional<linux_platform::LinuxPlatform> makeGtkPlatform(linux_platform::LinuxPlatformOptions options) {
   if (!gtk_is_initialized() && !gtk_init_check()) return std::nullopt;
   options.mainContext = std::make_shared<GLibMainContext>();
+  const std::string appName = appNameFor(options);
+  if (!options.consentPrompt) options.consentPrompt = std::make_shared<GtkConsentPrompt>(appName);
+  if (!options.openSettings) {
+    options.openSettings = [appName](const std::shared_ptr<linux_platform::PermissionStore>& store) {
+      openSettingsPage(store, appName);
+    };
+  }
   return linux_platform::makeLinuxPlatform(std::move(options));
 }
 

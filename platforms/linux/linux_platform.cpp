@@ -3,7 +3,10 @@
 #include <cstdlib>
 
 #include "platforms/curl/curl_transport.h"
+#include "platforms/linux/linux_application.h"
+#include "platforms/linux/linux_location_services.h"
 #include "platforms/linux/linux_photo_library.h"
+#include "platforms/linux/stored_authorization.h"
 #include "platforms/store/sqlite_preferences.h"
 
 namespace vantu::linux_platform {
@@ -54,7 +57,6 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
 
   auto platform = std::make_shared<Platform>();
   platform->dispatch = result.dispatch;
-  platform->application = std::make_shared<Application>();
   platform->console = std::make_shared<StreamConsole>();
   platform->device = std::make_shared<LinuxDeviceFacts>(std::move(facts));
   platform->images = nullptr;
@@ -64,6 +66,19 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
     platform->preferences =
         std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{options.dataDirectory, {}});
   }
+  if (!options.dataDirectory.empty()) {
+    result.permissions = PermissionStore::open(
+        options.dataDirectory, result.dispatch->makeSerialQueue("com.vantu.PermissionStore"), platform->console);
+    platform->authorization =
+        std::make_shared<StoredAuthorization>(result.permissions, result.dispatch, std::move(options.consentPrompt));
+    platform->locationServices = LinuxLocationServices::make(result.permissions, platform->authorization,
+                                                             result.dispatch, std::move(options.positionSource));
+  }
+  std::function<void()> settingsPage;
+  if (options.openSettings) {
+    settingsPage = [open = std::move(options.openSettings), store = result.permissions] { open(store); };
+  }
+  platform->application = std::make_shared<LinuxApplication>(std::move(settingsPage));
   platform->httpTransport = std::make_shared<curl::CurlTransport>(result.dispatch);
   platform->documentsDirectory = documentsDirectoryFor(options);
   if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {

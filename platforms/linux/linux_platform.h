@@ -6,21 +6,26 @@
 // plain application model, HTTP on libcurl (platforms/curl), a documents
 // directory and a pictures folder for the photo library. There is no image
 // store yet: `images` is null, and the library treats a missing image as
-// "the application has none". There is no authorisation port either, so
-// bridges that need one answer as if access were restricted.
+// "the application has none". With a data directory, permissions are kept
+// in a permission store there (the authorisation and location ports read
+// it); without one there is no authorisation port, and bridges that need
+// one answer as if access were restricted.
 
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platforms/linux/consent_prompt.h"
 #include "platforms/linux/linux_device_facts.h"
 #include "platforms/linux/linux_dispatch.h"
 #include "vantu/platform/basic_notification_center.h"
 #include "platforms/linux/linux_reachability.h"
+#include "platforms/linux/permission_store.h"
 #include "vantu/platform/platform.h"
 
 namespace vantu::linux_platform {
@@ -56,6 +61,16 @@ struct LinuxPlatformOptions {
   /// Where saved pictures go ("$HOME/Pictures" when empty); no photo
   /// library when nothing can be found.
   std::filesystem::path picturesDirectory;
+  /// Asks the user for access to a protected resource; without one a
+  /// request for an undecided resource is refused and nothing is stored.
+  std::shared_ptr<ConsentPrompt> consentPrompt;
+  /// Opens the host app's settings page (`Application::openSettingsPage`),
+  /// given the permission store (null without a data directory). Nothing
+  /// opens when absent.
+  std::function<void(const std::shared_ptr<PermissionStore>&)> openSettings;
+  /// The device's last position fix, for location services; never a fix
+  /// when absent.
+  std::function<std::optional<Coordinate>()> positionSource;
 };
 
 /// The documents directory `options` give (see LinuxPlatformOptions).
@@ -67,6 +82,8 @@ struct LinuxPlatform {
   /// The main event loop the host runs, or nullptr when a main context was
   /// given.
   std::shared_ptr<EventLoop> loop;
+  /// The permission store in the data directory; null without one.
+  std::shared_ptr<PermissionStore> permissions;
 };
 
 /// Builds the bundle; the caller installs `platform` with `installPlatform`.

@@ -13,34 +13,27 @@
 #include "platforms/sim/sim_ui.h"
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/geocoder.h"
-#include "vantu/platform/location_services.h"
+#include "vantu/platform/prompted_location_services.h"
 
 namespace vantu::sim {
 
-class SimLocationServices : public LocationServices, public std::enable_shared_from_this<SimLocationServices> {
+class SimLocationServices : public PromptedLocationServices {
  public:
   SimLocationServices(std::shared_ptr<Dispatch> dispatch, std::shared_ptr<Authorization> authorization)
-      : dispatch_(std::move(dispatch)), authorization_(std::move(authorization)) {}
+      : PromptedLocationServices(std::move(dispatch), authorization), authorization_(std::move(authorization)) {}
 
   /// Off: the app's state reads `denied` and no prompt can be shown.
   bool servicesEnabled = true;
   /// The system's last fix; none before the first one.
   std::optional<Coordinate> lastFix;
 
-  // Used by the simulated managers.
-  void requestWhenInUse();
+  std::optional<Coordinate> currentFix() const override { return lastFix; }
 
  protected:
   AuthorizationState currentAuthorization() const override;
-  std::shared_ptr<LocationManager> createManager() override;
 
  private:
-  void tellManagers(AuthorizationState state);
-
-  std::shared_ptr<Dispatch> dispatch_;
   std::shared_ptr<Authorization> authorization_;
-  std::vector<std::weak_ptr<LocationManager>> managers_;
-  bool promptShown_ = false;
 };
 
 /// Answers every reverse geocoding with the scripted placemarks or error,

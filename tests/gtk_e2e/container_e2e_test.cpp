@@ -10,6 +10,7 @@
 #include "platforms/gtk/container_stack.h"
 #include "platforms/gtk/directory_server.h"
 #include "platforms/gtk/glib_main_context.h"
+#include "platforms/gtk/gtk_consent.h"
 #include "platforms/gtk/gtk_dialogs.h"
 #include "platforms/gtk/gtk_platform.h"
 #include "vantu/container/h5_provider_error.h"
@@ -33,10 +34,12 @@ class ContainerE2E : public ::testing::Test {
     auto bundle = makeGtkPlatform(options);
     ASSERT_TRUE(bundle) << "no display";
     installPlatform(bundle->platform);
+    permissions() = bundle->permissions;
     server() = std::make_unique<DirectoryServer>(root() / "pages");
   }
   static void TearDownTestSuite() {
     server().reset();
+    permissions().reset();
     fs::remove_all(root());
   }
 
@@ -67,6 +70,16 @@ class ContainerE2E : public ::testing::Test {
     static std::unique_ptr<DirectoryServer> s;
     return s;
   }
+  static std::shared_ptr<linux_platform::PermissionStore>& permissions() {
+    static std::shared_ptr<linux_platform::PermissionStore> store;
+    return store;
+  }
+  /// Waits until the permission file, read afresh, holds `state`.
+  static bool persisted(ProtectedResource resource, AuthorizationState state) {
+    return runMainContextUntil([&] {
+      return linux_platform::PermissionStore::open(root() / "data", nullptr, nullptr)->state(resource) == state;
+    }, kWait);
+  }
   static std::string url(const std::string& page) { return server()->origin() + "/" + page; }
 
   /// Writes a page whose body runs `script` (the SDK is already there).
@@ -81,6 +94,19 @@ class ContainerE2E : public ::testing::Test {
     runMainContextUntil([&] { return (title = screen->webView()->title()).rfind(prefix, 0) == 0; }, kWait);
     EXPECT_EQ(title.rfind(prefix, 0), 0u) << "title: " << title;
     return title.rfind(prefix, 0) == 0 ? title.substr(prefix.size()) : "";
+  }
+
+  /// Waits until `screen` presents a two-button alert and presses the
+  /// button at `index`, which must read `label`.
+  static void pressAlertButton(const std::shared_ptr<ContainerScreen>& screen, std::size_t index, const char* label) {
+    std::shared_ptr<AlertController> alert;
+    ASSERT_TRUE(runMainContextUntil([&] {
+      return (alert = std::dynamic_pointer_cast<AlertController>(screen->presentedViewController())) != nullptr;
+    }, kWait));
+    auto buttons = dialogButtons(*alert);
+    ASSERT_EQ(buttons.size(), 2u);
+    EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(buttons[index])), label);
+    g_signal_emit_by_name(buttons[index], "clicked");
   }
 
   static Value parse(const std::string& text) {
@@ -219,15 +245,7 @@ TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
     vantu.call("showAlert", {title: "Pay?", message: "Pay 20 000 VND", type: "custom", buttons: ["Yes", "No"]},
                function (a) { document.title = "done:" + JSON.stringify(a); });)js");
   auto screen = stack->open(url("alert.html"));
-  std::shared_ptr<AlertController> alert;
-  ASSERT_TRUE(runMainContextUntil([&] {
-    alert = std::dynamic_pointer_cast<AlertController>(screen->presentedViewController());
-    return alert != nullptr;
-  }, kWait));
-  auto buttons = dialogButtons(*alert);
-  ASSERT_EQ(buttons.size(), 2u);
-  EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(buttons[1])), "No");
-  g_signal_emit_by_name(buttons[1], "clicked");
+  pressAlertButton(screen, 1, "No");
   EXPECT_EQ(waitForTitle(screen), R"({"data":{"success":true}})");
   EXPECT_EQ(screen->presentedViewController(), nullptr);
 }
@@ -268,6 +286,64 @@ TEST_F(ContainerE2E, TheShareDialogCopiesTheTextAndCloses) {
   g_signal_emit_by_name(buttons[1], "clicked");
   EXPECT_EQ(screen->presentedViewController(), nullptr);
   EXPECT_TRUE(dialogButtons(*sheet).empty());
+}
+
+TEST_F(ContainerE2E, TheConsentDialogGrantsOrRefusesAndTheDecisionIsStored) {
+  writePage("consent.html", std::string(kSequence) + R"js(sequence([
+    ["vantuRequestPermission", {permission: "camera"}],
+    ["vantuRequestPermission", {permission: "microphone"}],
+    ["vantuCheckPermission", {permission: "camera,microphone"}]
+  ]);)js");
+  auto screen = stack->open(url("consent.html"));
+  const ShownConsentPrompt* prompt = nullptr;
+  ASSERT_TRUE(runMainContextUntil([&] { return (prompt = shownConsentPrompt(ProtectedResource::camera)); }, kWait));
+  const std::string question = gtk_label_get_text(GTK_LABEL(prompt->question));
+  EXPECT_TRUE(question.starts_with("Allow \u201c") && question.ends_with("\u201d to use your camera?")) << question;
+  EXPECT_EQ(gtk_window_get_transient_for(prompt->window), stack->window()->gtkWindow());
+  g_signal_emit_by_name(prompt->allow, "clicked");
+  EXPECT_EQ(shownConsentPrompt(ProtectedResource::camera), nullptr);
+  // Closing the dialog refuses.
+  ASSERT_TRUE(runMainContextUntil([&] { return (prompt = shownConsentPrompt(ProtectedResource::microphone)); }, kWait));
+  gtk_window_close(prompt->window);
+  EXPECT_EQ(waitForTitle(screen), R"([{"data":{"camera":1},"success":true,"authorizedStatus":true},)"
+                                  R"({"data":{"microphone":0},"success":true,"authorizedStatus":false},)"
+                                  R"({"success":true,"data":{"camera":1,"microphone":0}}])");
+  EXPECT_TRUE(persisted(ProtectedResource::camera, AuthorizationState::authorized));
+  EXPECT_TRUE(persisted(ProtectedResource::microphone, AuthorizationState::denied));
+}
+
+TEST_F(ContainerE2E, OpenSettingsLeadsToTheSettingsPageWhoseEditsThePageSees) {
+  ASSERT_TRUE(permissions()->set(ProtectedResource::contacts, AuthorizationState::denied));
+  writePage("settings.html", R"js(
+    vantu.call("vantuRequestPermission", {permission: "contacts"}, function (asked) {
+      document.title = "asked:" + JSON.stringify(asked);
+      (function check() {
+        vantu.call("vantuCheckPermission", {permission: "contacts"}, function (a) {
+          if (a.data.contacts === 1) document.title = "done:" + JSON.stringify(a); else setTimeout(check, 50);
+        });
+      })();
+    });)js");
+  auto screen = stack->open(url("settings.html"));
+  pressAlertButton(screen, 0, "Open Settings");
+  EXPECT_EQ(waitForTitle(screen, "asked:"), R"({"data":{"contacts":0},"success":true,"authorizedStatus":false})");
+  ASSERT_NE(settingsPageWindow(), nullptr);
+  // Each resource offers only its own states.
+  for (auto resource : linux_platform::PermissionStore::resources()) {
+    GtkDropDown* choice = settingsPageChoice(resource);
+    ASSERT_NE(choice, nullptr);
+    EXPECT_EQ(g_list_model_get_n_items(gtk_drop_down_get_model(choice)),
+              linux_platform::PermissionStore::statesFor(resource).size());
+  }
+  GtkDropDown* contacts = settingsPageChoice(ProtectedResource::contacts);
+  EXPECT_EQ(gtk_drop_down_get_selected(contacts), 1u);  // denied
+  gtk_drop_down_set_selected(contacts, 3);              // authorized
+  EXPECT_EQ(waitForTitle(screen), R"({"success":true,"data":{"contacts":1}})");
+  EXPECT_TRUE(persisted(ProtectedResource::contacts, AuthorizationState::authorized));
+  // A decision made elsewhere shows on the open page.
+  permissions()->set(ProtectedResource::speechRecognition, AuthorizationState::restricted);
+  EXPECT_EQ(gtk_drop_down_get_selected(settingsPageChoice(ProtectedResource::speechRecognition)), 2u);
+  gtk_window_destroy(settingsPageWindow());
+  EXPECT_EQ(settingsPageWindow(), nullptr);
 }
 
 TEST_F(ContainerE2E, ANavigationOutsideTheWhitelistShowsTheErrorPage) {

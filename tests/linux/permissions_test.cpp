@@ -1,0 +1,252 @@
+// The permission store (its file, the states each resource takes, a damaged
+// file set aside), the authorisation over it (questions joined per resource,
+// decided states answered without one, no prompt at all) and the location
+// services (managers told of answers and of settings edits). Everything runs
+// on the simulated dispatch, so the main queue and the writer queue run only
+// when the test runs them.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "platforms/linux/linux_location_services.h"
+#include "platforms/linux/stored_authorization.h"
+#include "platforms/sim/sim_dispatch.h"
+
+namespace vantu::linux_platform {
+namespace {
+
+namespace fs = std::filesystem;
+using State = AuthorizationState;
+using Resource = ProtectedResource;
+
+class LinesConsole : public Console {
+ public:
+  std::vector<std::string> lines;
+
+ protected:
+  void write(std::string_view line) override { lines.emplace_back(line); }
+};
+
+/// Holds every question until the test answers it.
+class HeldPrompt : public ConsentPrompt {
+ public:
+  std::vector<std::pair<Resource, Answer>> asked;
+
+  void answer(Resource resource, bool allowed) {
+    for (auto it = asked.begin(); it != asked.end(); ++it) {
+      if (it->first == resource) {
+        auto answer = std::move(it->second);
+        asked.erase(it);
+        return answer(allowed);
+      }
+    }
+    ADD_FAILURE() << "no question up for " << toString(resource);
+  }
+
+ protected:
+  void show(Resource resource, Answer answer) override { asked.emplace_back(resource, std::move(answer)); }
+};
+
+class Recorder : public LocationManagerDelegate {
+ public:
+  std::vector<State> told;
+  void locationManagerDidChangeAuthorization(State state) override { told.push_back(state); }
+};
+
+std::string readFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+class Permissions : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    directory = fs::temp_directory_path() /
+                ("vantu-permissions-" + std::to_string(::getpid()) + "-" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(directory);
+    store = reopen();
+  }
+  void TearDown() override { fs::remove_all(directory); }
+
+  std::shared_ptr<PermissionStore> reopen() {
+    dispatch->runReady();  // finish pending writes
+    return PermissionStore::open(directory, dispatch->makeSerialQueue("writer"), console);
+  }
+  fs::path file() const { return directory / PermissionStore::kFileName; }
+
+  std::shared_ptr<sim::SimDispatch> dispatch = std::make_shared<sim::SimDispatch>();
+  std::shared_ptr<LinesConsole> console = std::make_shared<LinesConsole>();
+  fs::path directory;
+  std::shared_ptr<PermissionStore> store;
+};
+
+TEST_F(Permissions, EveryStateOfEveryResourceSurvivesAReopen) {
+  for (auto resource : PermissionStore::resources()) {
+    for (auto state : PermissionStore::statesFor(resource)) {
+      // From a different state each time, so that the write really happens.
+      ASSERT_TRUE(store->set(resource, state == State::denied ? State::authorized : State::denied));
+      ASSERT_TRUE(store->set(resource, state)) << toString(resource) << " " << toString(state);
+      EXPECT_EQ(reopen()->state(resource), state) << toString(resource) << " " << toString(state);
+    }
+  }
+  EXPECT_EQ(PermissionStore::statesFor(Resource::location).back(), State::authorizedWhenInUse);
+  EXPECT_EQ(PermissionStore::statesFor(Resource::photoLibrary).back(), State::limited);
+  EXPECT_TRUE(console->lines.empty());
+}
+
+TEST_F(Permissions, StatesOfOtherResourcesAreRefusedAndChangesAreTold) {
+  std::vector<std::pair<Resource, State>> told;
+  auto token = store->observe([&](Resource r, State s) { told.emplace_back(r, s); });
+  ASSERT_TRUE(store->set(Resource::camera, State::denied));
+  const std::pair<Resource, State> refused[] = {
+      {Resource::camera, State::authorizedWhenInUse},   {Resource::camera, State::limited},
+      {Resource::location, State::limited},             {Resource::photoLibrary, State::authorizedWhenInUse},
+      {Resource::microphone, State::unrecognized},      {Resource::speechRecognition, State::limited},
+  };
+  for (auto [resource, state] : refused) {
+    EXPECT_FALSE(store->set(resource, state)) << toString(resource) << " " << toString(state);
+  }
+  EXPECT_TRUE(store->set(Resource::camera, State::denied));  // unchanged: not told again
+  EXPECT_EQ(reopen()->state(Resource::camera), State::denied);
+  EXPECT_EQ(told, (std::vector<std::pair<Resource, State>>{{Resource::camera, State::denied}}));
+  token.reset();
+  store->set(Resource::camera, State::authorized);
+  EXPECT_EQ(told.size(), 1u);
+}
+
+TEST_F(Permissions, ADamagedFileIsKeptAsideAndEveryResourceStartsUndecided) {
+  const std::string damaged[] = {
+      "{\"version\": 1, \"permissions\": {\"camera\": \"auth",
+      "[]",
+      R"({"version": 2, "permissions": {"camera": "authorized"}})",
+      R"({"version": 1, "permissions": {"camera": "authorizedWhenInUse"}})",
+      R"({"version": 1, "permissions": {"teleporter": "authorized"}})",
+      R"({"version": 1, "permissions": {"camera": 3}})",
+  };
+  fs::create_directories(directory);
+  for (std::size_t i = 0; i < std::size(damaged); ++i) {
+    std::ofstream(file()) << damaged[i];
+    console->lines.clear();
+    auto reopened = reopen();
+    for (auto resource : PermissionStore::resources()) EXPECT_EQ(reopened->state(resource), State::notDetermined);
+    const std::string aside = file().string() + (i == 0 ? ".unreadable" : ".unreadable-" + std::to_string(i + 1));
+    EXPECT_EQ(readFile(aside), damaged[i]);
+    EXPECT_FALSE(fs::exists(file()));
+    ASSERT_EQ(console->lines.size(), 1u) << damaged[i];
+    EXPECT_NE(console->lines[0].find("kept as " + aside), std::string::npos) << console->lines[0];
+  }
+  // The next decision writes a fresh, readable file.
+  auto fresh = reopen();
+  fresh->set(Resource::contacts, State::restricted);
+  EXPECT_EQ(reopen()->state(Resource::contacts), State::restricted);
+}
+
+TEST_F(Permissions, DecidedStatesAreAnsweredOnTheMainQueueWithoutAQuestion) {
+  auto prompt = std::make_shared<HeldPrompt>();
+  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
+  const std::pair<Resource, State> decided[] = {{Resource::camera, State::denied},
+                                                {Resource::contacts, State::restricted},
+                                                {Resource::location, State::authorizedWhenInUse},
+                                                {Resource::photoLibrary, State::limited}};
+  std::vector<State> answers;
+  for (auto [resource, state] : decided) {
+    store->set(resource, state);
+    authorization->request(resource, [&](State s) { answers.push_back(s); });
+  }
+  EXPECT_TRUE(answers.empty());
+  dispatch->runReady();
+  EXPECT_EQ(answers, (std::vector<State>{State::denied, State::restricted, State::authorizedWhenInUse, State::limited}));
+  EXPECT_TRUE(prompt->asked.empty());
+}
+
+TEST_F(Permissions, RequestsWhileAQuestionIsUpShareItsStoredAnswer) {
+  auto prompt = std::make_shared<HeldPrompt>();
+  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
+  std::vector<std::string> answers;
+  auto record = [&](const char* who) { return [&answers, who](State s) { answers.push_back(who + std::string(toString(s))); }; };
+  authorization->request(Resource::camera, record("a:"));
+  authorization->request(Resource::camera, record("b:"));
+  authorization->request(Resource::location, record("l:"));
+  authorization->request(Resource::microphone, record("m:"));
+  ASSERT_EQ(prompt->asked.size(), 3u);  // one question per resource
+  prompt->answer(Resource::camera, true);
+  prompt->answer(Resource::location, true);
+  prompt->answer(Resource::microphone, false);
+  EXPECT_EQ(answers, (std::vector<std::string>{"a:authorized", "b:authorized", "l:authorizedWhenInUse", "m:denied"}));
+  auto reopened = reopen();
+  EXPECT_EQ(reopened->state(Resource::camera), State::authorized);
+  EXPECT_EQ(reopened->state(Resource::location), State::authorizedWhenInUse);
+  EXPECT_EQ(reopened->state(Resource::microphone), State::denied);
+  // Decided now: a new request gets no question.
+  authorization->request(Resource::camera, record("c:"));
+  dispatch->runReady();
+  EXPECT_EQ(answers.back(), "c:authorized");
+  EXPECT_TRUE(prompt->asked.empty());
+}
+
+TEST_F(Permissions, WithoutAPromptAnUndecidedRequestIsRefusedAndNothingIsStored) {
+  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, nullptr);
+  std::optional<State> answer;
+  authorization->request(Resource::speechRecognition, [&](State s) { answer = s; });
+  dispatch->runReady();
+  EXPECT_EQ(answer, State::denied);
+  EXPECT_EQ(reopen()->state(Resource::speechRecognition), State::notDetermined);
+}
+
+TEST_F(Permissions, LocationManagersAreToldOfAnswersAndOfSettingsEdits) {
+  auto prompt = std::make_shared<HeldPrompt>();
+  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
+  int fixes = 0;
+  auto services = LinuxLocationServices::make(store, authorization, dispatch, [&]() -> std::optional<Coordinate> {
+    return Coordinate{10.76 + fixes++, 106.66};
+  });
+  auto first = std::make_shared<Recorder>();
+  auto second = std::make_shared<Recorder>();
+  auto one = services->makeManager();
+  auto two = services->makeManager();
+  auto gone = services->makeManager();
+  one->setDelegate(first);
+  two->setDelegate(second);
+  gone->setDelegate(first);
+  gone.reset();
+
+  one->requestWhenInUseAuthorization();
+  two->requestWhenInUseAuthorization();
+  EXPECT_TRUE(prompt->asked.empty());  // shown after the calls return
+  dispatch->runReady();
+  ASSERT_EQ(prompt->asked.size(), 1u);
+  prompt->answer(Resource::location, true);
+  EXPECT_EQ(services->authorizationState(), State::authorizedWhenInUse);
+  one->requestWhenInUseAuthorization();  // decided: nothing is asked
+  dispatch->runReady();
+  EXPECT_TRUE(prompt->asked.empty());
+
+  store->set(Resource::location, State::denied);  // the settings page
+  const std::vector<State> expected{State::authorizedWhenInUse, State::denied};
+  EXPECT_EQ(first->told, expected);
+  EXPECT_EQ(second->told, expected);
+  EXPECT_EQ(one->location(), (Coordinate{10.76, 106.66}));
+  EXPECT_EQ(two->location(), (Coordinate{11.76, 106.66}));  // read afresh each time
+}
+
+TEST_F(Permissions, LocationWithoutPromptOrPositionSourceTellsARefusalAndHasNoFix) {
+  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, nullptr);
+  auto services = LinuxLocationServices::make(store, authorization, dispatch, nullptr);
+  auto recorder = std::make_shared<Recorder>();
+  auto manager = services->makeManager();
+  manager->setDelegate(recorder);
+  manager->requestWhenInUseAuthorization();
+  dispatch->runReady();
+  EXPECT_EQ(recorder->told, (std::vector<State>{State::denied}));
+  EXPECT_EQ(services->authorizationState(), State::notDetermined);
+  EXPECT_EQ(manager->location(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vantu::linux_platform
