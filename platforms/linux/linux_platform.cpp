@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platforms/curl/curl_transport.h"
+#include "platforms/linux/linux_geocoder.h"
 #include "platforms/linux/linux_photo_library.h"
 #include "platforms/store/sqlite_preferences.h"
 
@@ -69,6 +70,11 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
   if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {
     platform->photoLibrary = std::make_shared<LinuxPhotoLibrary>(std::move(pictures));
   }
+  platform->geocoder = std::make_shared<LinuxGeocoder>(result.dispatch);
+#ifdef VANTU_HAVE_PAM
+  platform->deviceOwnerAuthentication = std::make_shared<PamOwnerAuthentication>(
+      result.dispatch, std::move(options.passwordPrompt), std::move(options.ownerAuthentication));
+#endif
   result.platform = std::move(platform);
   return result;
 }

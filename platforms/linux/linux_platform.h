@@ -7,7 +7,9 @@
 // directory and a pictures folder for the photo library. There is no image
 // store yet: `images` is null, and the library treats a missing image as
 // "the application has none". There is no authorisation port either, so
-// bridges that need one answer as if access were restricted.
+// bridges that need one answer as if access were restricted. Owner
+// authentication goes through Linux-PAM with the password prompt the host
+// supplies; reverse geocoding always fails (see linux_geocoder.h).
 
 #include <cstdio>
 #include <filesystem>
@@ -21,6 +23,8 @@
 #include "platforms/linux/linux_dispatch.h"
 #include "vantu/platform/basic_notification_center.h"
 #include "platforms/linux/linux_reachability.h"
+#include "platforms/linux/pam_owner_authentication.h"
+#include "platforms/linux/password_prompt.h"
 #include "vantu/platform/platform.h"
 
 namespace vantu::linux_platform {
@@ -56,6 +60,13 @@ struct LinuxPlatformOptions {
   /// Where saved pictures go ("$HOME/Pictures" when empty); no photo
   /// library when nothing can be found.
   std::filesystem::path picturesDirectory;
+  /// Asks for the password when a page wants the device owner to
+  /// authenticate; without one every such request fails as "no passcode
+  /// set".
+  std::shared_ptr<PasswordPrompt> passwordPrompt;
+  /// The PAM service, configuration directory and attempt limit of owner
+  /// authentication.
+  PamOwnerAuthenticationOptions ownerAuthentication;
 };
 
 /// The documents directory `options` give (see LinuxPlatformOptions).
