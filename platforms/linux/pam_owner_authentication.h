@@ -62,8 +62,8 @@ class PamOwnerAuthentication : public DeviceOwnerAuthentication {
   /// set" at once, since nobody could type a password.
   PamOwnerAuthentication(std::shared_ptr<Dispatch> dispatch, std::shared_ptr<PasswordPrompt> prompt,
                          PamOwnerAuthenticationOptions options = {});
-  /// Evaluations still waiting for the user end with `kSystemCancel`;
-  /// waits for the one in progress to return from PAM.
+  /// Evaluations still waiting for the user end with `kSystemCancel`. The
+  /// worker is joined once no context made here is left either.
   ~PamOwnerAuthentication() override;
 
   struct Core;
