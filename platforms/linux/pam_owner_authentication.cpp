@@ -176,7 +176,11 @@ class Evaluation : public std::enable_shared_from_this<Evaluation> {
     }
     PasswordPrompt::Request request{reason_, text, echo, cancelTitle_, failedAttempts_, std::exchange(notice_, {})};
     main_->async([self = shared_from_this(), request = std::move(request)]() mutable {
-      self->prompt_->ask(std::move(request), [self](std::optional<Secret> given) {
+      // Held weakly: a prompt that keeps its answer function must not keep
+      // the evaluation (and, through it, the prompt) alive.
+      self->prompt_->ask(std::move(request), [weak = self->weak_from_this()](std::optional<Secret> given) {
+        auto self = weak.lock();
+        if (!self) return;
         std::lock_guard lock(self->mutex_);
         if (self->answered_) return;
         self->answer_ = std::move(given);
