@@ -4,6 +4,10 @@
 
 #include "platforms/gtk/glib_main_context.h"
 #include "platforms/gtk/gtk_consent.h"
+#include "platforms/gtk/gtk_password_prompt.h"
+#ifdef VANTU_HAVE_GEOCLUE
+#include "platforms/linux/geoclue_position.h"
+#endif
 
 namespace vantu::gtk {
 namespace {
@@ -32,6 +36,14 @@ std::optional<linux_platform::LinuxPlatform> makeGtkPlatform(linux_platform::Lin
       openSettingsPage(store, appName);
     };
   }
+  if (!options.passwordPrompt) options.passwordPrompt = std::make_shared<GtkPasswordPrompt>();
+#ifdef VANTU_HAVE_GEOCLUE
+  if (!options.positionSource) {
+    // The client lives as long as the location services that read it.
+    auto geoclue = std::make_shared<linux_platform::GeocluePosition>();
+    options.positionSource = [geoclue] { return geoclue->lastKnown(); };
+  }
+#endif
   return linux_platform::makeLinuxPlatform(std::move(options));
 }
 

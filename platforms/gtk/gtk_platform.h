@@ -1,8 +1,10 @@
 #pragma once
 // The platform bundle of the GTK container: the Linux bundle with its main
 // queue on GLib's main context (the one GTK runs), so bridge work, GTK and
-// WebKit share the main thread. Permission questions and the settings page
-// are GTK windows (gtk_consent.h) unless the options bring their own.
+// WebKit share the main thread. Permission questions, the settings page and
+// the owner-authentication password prompt are GTK windows (gtk_consent.h,
+// gtk_password_prompt.h) unless the options bring their own, and positions
+// come from GeoClue, whose client runs on that main context.
 
 #include "platforms/linux/linux_platform.h"
 

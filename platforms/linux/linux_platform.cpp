@@ -5,6 +5,7 @@
 #include "platforms/curl/curl_transport.h"
 #include "platforms/linux/linux_application.h"
 #include "platforms/linux/linux_location_services.h"
+#include "platforms/linux/linux_geocoder.h"
 #include "platforms/linux/linux_photo_library.h"
 #include "platforms/linux/stored_authorization.h"
 #include "platforms/store/sqlite_preferences.h"
@@ -84,6 +85,11 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
   if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {
     platform->photoLibrary = std::make_shared<LinuxPhotoLibrary>(std::move(pictures));
   }
+  platform->geocoder = std::make_shared<LinuxGeocoder>(result.dispatch);
+#ifdef VANTU_HAVE_PAM
+  platform->deviceOwnerAuthentication = std::make_shared<PamOwnerAuthentication>(
+      result.dispatch, std::move(options.passwordPrompt), std::move(options.ownerAuthentication));
+#endif
   result.platform = std::move(platform);
   return result;
 }

@@ -9,7 +9,9 @@
 // "the application has none". With a data directory, permissions are kept
 // in a permission store there (the authorisation and location ports read
 // it); without one there is no authorisation port, and bridges that need
-// one answer as if access were restricted.
+// one answer as if access were restricted. Owner authentication goes
+// through Linux-PAM with the password prompt the host supplies; reverse
+// geocoding always fails (see linux_geocoder.h).
 
 #include <cstdio>
 #include <filesystem>
@@ -26,6 +28,8 @@
 #include "vantu/platform/basic_notification_center.h"
 #include "platforms/linux/linux_reachability.h"
 #include "platforms/linux/permission_store.h"
+#include "platforms/linux/pam_owner_authentication.h"
+#include "platforms/linux/password_prompt.h"
 #include "vantu/platform/platform.h"
 
 namespace vantu::linux_platform {
@@ -71,6 +75,13 @@ struct LinuxPlatformOptions {
   /// The device's last position fix, for location services; never a fix
   /// when absent.
   std::function<std::optional<Coordinate>()> positionSource;
+  /// Asks for the password when a page wants the device owner to
+  /// authenticate; without one every such request fails as "no passcode
+  /// set".
+  std::shared_ptr<PasswordPrompt> passwordPrompt;
+  /// The PAM service, configuration directory and attempt limit of owner
+  /// authentication.
+  PamOwnerAuthenticationOptions ownerAuthentication;
 };
 
 /// The documents directory `options` give (see LinuxPlatformOptions).

@@ -12,6 +12,7 @@
 #include "platforms/gtk/glib_main_context.h"
 #include "platforms/gtk/gtk_consent.h"
 #include "platforms/gtk/gtk_dialogs.h"
+#include "platforms/gtk/gtk_password_prompt.h"
 #include "platforms/gtk/gtk_platform.h"
 #include "vantu/container/h5_provider_error.h"
 #include "vantu/core/laizaxlu.h"
@@ -31,6 +32,14 @@ class ContainerE2E : public ::testing::Test {
     fs::create_directories(root() / "pages");
     linux_platform::LinuxPlatformOptions options;
     options.dataDirectory = root() / "data";
+    // Owner authentication against a stack that wants the password "right".
+    fs::create_directories(root() / "pam");
+    std::ofstream(root() / "pam" / "check.sh") << "#!/bin/sh\npw=$(tr -d '\\000'); [ \"$pw\" = right ]\n";
+    fs::permissions(root() / "pam" / "check.sh", fs::perms::owner_all);
+    std::ofstream(root() / "pam" / "e2e") << "auth [success=1 default=ignore] pam_exec.so expose_authtok quiet "
+                                          << (root() / "pam" / "check.sh").string()
+                                          << "\nauth requisite pam_deny.so\nauth required pam_permit.so\n";
+    options.ownerAuthentication = {"e2e", root() / "pam", 3};
     auto bundle = makeGtkPlatform(options);
     ASSERT_TRUE(bundle) << "no display";
     installPlatform(bundle->platform);
@@ -355,6 +364,36 @@ TEST_F(ContainerE2E, ANavigationOutsideTheWhitelistShowsTheErrorPage) {
   ASSERT_TRUE(runMainContextUntil([&] { return (title = screen->webView()->title()) == message; }, kWait)) << title;
   EXPECT_EQ(screen->webView()->uri().rfind("http://localhost:", 0), 0u);
   EXPECT_FALSE(page::PageBridge::isAllowed({true, screen->webView()->uri()}));
+}
+
+TEST_F(ContainerE2E, ThePasswordDialogCancelsLocksOutAndAcceptsTheRightPassword) {
+  writePage("auth.html", std::string(kSequence) + R"js(
+    var ask = {Cancel: "Huỷ", authenticationReason: "Pay 20 000 VND"};
+    sequence([["vantuAuthenticateOnDevice", ask], ["vantuAuthenticateOnDevice", ask],
+              ["vantuAuthenticateOnDevice", ask]]);)js");
+  auto screen = stack->open(url("auth.html"));
+  // Each answer in turn, one dialog each; nothing typed means "cancel".
+  const std::vector<std::optional<std::string>> typed = {std::nullopt, "wrong", "wrong", "wrong", "wrong", "right"};
+  const std::vector<bool> warned = {false, false, true, true, false, true};
+  for (std::size_t i = 0; i < typed.size(); ++i) {
+    SCOPED_TRACE(i);
+    std::optional<PasswordDialog> dialog;
+    ASSERT_TRUE(runMainContextUntil([&] { return (dialog = shownPasswordDialog()).has_value(); }, kWait));
+    EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(dialog->cancelButton)), "Huỷ");
+    EXPECT_EQ(gtk_widget_get_visible(dialog->warning), warned[i]);
+    EXPECT_EQ(gtk_window_get_transient_for(dialog->window), stack->window()->gtkWindow());
+    if (!typed[i]) {
+      g_signal_emit_by_name(dialog->cancelButton, "clicked");
+    } else {
+      gtk_editable_set_text(GTK_EDITABLE(dialog->entry), typed[i]->c_str());
+      g_signal_emit_by_name(dialog->entry, "activate");
+    }
+  }
+  EXPECT_EQ(waitForTitle(screen),
+            R"([{"data":{"success":false,"error":{"code":1,"message":"Authentication was cancelled by the user!"}}},)"
+            R"({"data":{"success":false,"error":{"code":2,"message":"Maximum number of attempts exceeded!"}}},)"
+            R"({"data":{"success":true}}])");
+  EXPECT_FALSE(shownPasswordDialog());
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/platform/alert_controller.h"
@@ -130,6 +132,30 @@ TEST_F(PageBridgeTest, AnswersOwedToAReplacedOrClosedPageAreDropped) {
   tapFirstButton();
   EXPECT_EQ(scripts.size(), 1u);
   EXPECT_EQ(observed, (Strings{"call showAlert", "answer 1", "call showAlert", "call showAlert"}));
+}
+
+TEST_F(PageBridgeTest, AnAnswerGivenOnAnotherThreadReachesThePageFromTheMainQueue) {
+  // Owner authentication answers on the platform's queue; this handler does
+  // the same from a thread of its own.
+  struct ElsewhereHandler : H5BaseHandler {
+    void handleWith(H5HandlerInputParams params) override {
+      std::thread([callback = params.callback] { callback(Dict{{"data", "late"}}); }).join();
+    }
+  };
+  registry.add("elsewhere", [] { return std::make_shared<ElsewhereHandler>(); });
+  std::vector<std::thread::id> evaluatedOn;
+  bridge = std::make_unique<PageBridge>(std::shared_ptr<BridgeRegistry>(std::shared_ptr<void>(), &registry),
+                                        [&](std::string script) {
+                                          evaluatedOn.push_back(std::this_thread::get_id());
+                                          scripts.push_back(std::move(script));
+                                        });
+  bridge->setScreen(device.screen("page"));
+  EXPECT_EQ(bridge->receive(R"({"id": 7, "bridge": "elsewhere"})", {true, "https://shop.example/"}),
+            Receipt::dispatched);
+  EXPECT_TRUE(scripts.empty());  // waits for the main queue
+  settle();
+  EXPECT_EQ(scripts, Strings{R"(window.vantu.__deliver(7,{"data":"late"});)"});
+  EXPECT_EQ(evaluatedOn, std::vector<std::thread::id>{std::this_thread::get_id()});
 }
 
 }  // namespace

@@ -1,20 +1,34 @@
 #include "vantu/runtime/page_bridge.h"
 
+#include <thread>
+
 #include "vantu/core/laizaxlu.h"
 #include "vantu/core/url.h"
+#include "vantu/platform/platform.h"
 
 namespace vantu::page {
 
 // What an answer needs to reach the page. Handlers may keep their callback
 // past the page (or the bridge object): the channel tells them the page they
 // answer is gone.
-struct PageBridge::Channel {
+struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
   Evaluate evaluate;
   std::uint64_t document = 0;  // bumped when a new document replaces the page
   bool open = true;
   std::function<void(std::int64_t, std::string_view, const Value&)> observe;
+  // The page lives on the thread that made the bridge (the main thread).
+  // Some handlers answer on a queue of the platform's (owner
+  // authentication); their answers go over to the main queue first.
+  std::thread::id pageThread = std::this_thread::get_id();
 
   void deliver(std::uint64_t forDocument, std::int64_t id, std::string_view bridge, const Value& answer) {
+    if (std::this_thread::get_id() != pageThread) {
+      platform().dispatch->main()->async(
+          [self = shared_from_this(), forDocument, id, bridge = std::string(bridge), answer] {
+            self->deliver(forDocument, id, bridge, answer);
+          });
+      return;
+    }
     if (!open || forDocument != document) return;
     if (observe) observe(id, bridge, answer);
     evaluate(deliveryScript(id, answer));

@@ -1,0 +1,222 @@
+// The GeoClue position source against a private dbus-daemon started here,
+// with a small GeoClue service written with libgeoclue's skeletons: a fix
+// that arrives, a start that is refused, a bus without the service and no
+// bus at all. Waits are bounded only as safety nets.
+
+#ifdef VANTU_HAVE_GEOCLUE
+
+#include "platforms/linux/geoclue_position.h"
+
+#include <geoclue.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vantu::linux_platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Runs GLib's default main context until `done()` or a 20 s safety net.
+bool iterateUntil(const std::function<bool()>& done) {
+  bool expired = false;
+  guint timer = g_timeout_add_seconds(
+      20,
+      [](gpointer flag) {
+        *static_cast<bool*>(flag) = true;
+        return G_SOURCE_REMOVE;
+      },
+      &expired);
+  while (!done() && !expired) g_main_context_iteration(nullptr, TRUE);
+  if (!expired) g_source_remove(timer);
+  return done();
+}
+
+/// A dbus-daemon of this test's own, ended with the test.
+class PrivateBus {
+ public:
+  PrivateBus() {
+    dir_ = fs::temp_directory_path() / ("vantu-bus-" + std::to_string(::getpid()));
+    fs::create_directories(dir_);
+    std::ofstream(dir_ / "bus.conf")
+        << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
+           " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+           "<busconfig><type>session</type><listen>unix:dir="
+        << dir_.string()
+        << "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow send_destination=\"*\"/>"
+           "<allow receive_sender=\"*\"/>"
+           "<allow own=\"*\"/></policy></busconfig>\n";
+    const std::string config = "--config-file=" + (dir_ / "bus.conf").string();
+    const char* argv[] = {"dbus-daemon", config.c_str(), "--nofork", "--print-address=1", nullptr};
+    gint out = -1;
+    GError* error = nullptr;
+    if (!g_spawn_async_with_pipes(nullptr, const_cast<char**>(argv), nullptr,
+                                  static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDERR_TO_DEV_NULL), nullptr,
+                                  nullptr, &pid_, nullptr, &out, nullptr, &error)) {
+      ADD_FAILURE() << error->message;
+      g_error_free(error);
+      return;
+    }
+    char c;
+    while (::read(out, &c, 1) == 1 && c != '\n') address_ += c;
+    ::close(out);
+  }
+  ~PrivateBus() {
+    if (pid_ > 0) {
+      ::kill(pid_, SIGTERM);
+      ::waitpid(pid_, nullptr, 0);
+      g_spawn_close_pid(pid_);
+    }
+    std::error_code ignored;
+    fs::remove_all(dir_, ignored);
+  }
+  const std::string& address() const { return address_; }
+
+ private:
+  fs::path dir_;
+  GPid pid_ = 0;
+  std::string address_;
+};
+
+/// GeoClue's manager, one client and its location, on the private bus.
+class FakeGeoClue {
+ public:
+  enum class Start { GivesFix, Refused };
+
+  FakeGeoClue(const std::string& address, Start start) : start_(start) {
+    connection_ = g_dbus_connection_new_for_address_sync(
+        address.c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, nullptr);
+    EXPECT_NE(connection_, nullptr);
+    export_(manager_, "/org/freedesktop/GeoClue2/Manager");
+    export_(client_, kClientPath);
+    g_signal_connect(manager_, "handle-get-client", G_CALLBACK(+[](GClueManager* m, GDBusMethodInvocation* call) {
+                       gclue_manager_complete_get_client(m, call, kClientPath);
+                       return TRUE;
+                     }),
+                     nullptr);
+    g_signal_connect(client_, "handle-start",
+                     G_CALLBACK(+[](GClueClient* c, GDBusMethodInvocation* call, gpointer self) {
+                       static_cast<FakeGeoClue*>(self)->start(c, call);
+                       return TRUE;
+                     }),
+                     this);
+    GVariant* owned = g_dbus_connection_call_sync(
+        connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+        g_variant_new("(su)", "org.freedesktop.GeoClue2", 0u), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    EXPECT_NE(owned, nullptr);
+    if (owned) g_variant_unref(owned);
+  }
+  ~FakeGeoClue() {
+    for (gpointer skeleton :
+         {static_cast<gpointer>(location_), static_cast<gpointer>(client_), static_cast<gpointer>(manager_)}) {
+      auto* exported = G_DBUS_INTERFACE_SKELETON(skeleton);
+      if (g_dbus_interface_skeleton_get_connection(exported)) g_dbus_interface_skeleton_unexport(exported);
+      g_object_unref(skeleton);
+    }
+    g_dbus_connection_close_sync(connection_, nullptr, nullptr);
+    g_object_unref(connection_);
+  }
+
+  std::string desktopId() const {
+    const gchar* id = gclue_client_get_desktop_id(client_);
+    return id ? id : "";
+  }
+  guint accuracy() const { return gclue_client_get_requested_accuracy_level(client_); }
+
+  static constexpr const char* kClientPath = "/org/freedesktop/GeoClue2/Client/1";
+  static constexpr const char* kLocationPath = "/org/freedesktop/GeoClue2/Client/1/Location/0";
+
+ private:
+  template <typename Skeleton>
+  void export_(Skeleton* skeleton, const char* path) {
+    EXPECT_TRUE(g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(skeleton), connection_, path, nullptr));
+  }
+
+  void start(GClueClient* client, GDBusMethodInvocation* call) {
+    if (start_ == Start::Refused) {
+      g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.AccessDenied",
+                                                 "'vantu-h5' disallowed, no agent for UID 0");
+      return;
+    }
+    gclue_location_set_latitude(location_, 12.9715987);
+    gclue_location_set_longitude(location_, 77.5945627);
+    export_(location_, kLocationPath);
+    gclue_client_complete_start(client, call);
+    gclue_client_emit_location_updated(client, "/", kLocationPath);
+  }
+
+  Start start_;
+  GDBusConnection* connection_ = nullptr;
+  GClueManager* manager_ = gclue_manager_skeleton_new();
+  GClueClient* client_ = gclue_client_skeleton_new();
+  GClueLocation* location_ = gclue_location_skeleton_new();
+};
+
+using State = GeocluePosition::State;
+
+struct Watch {
+  std::vector<std::string> lines;
+  GeocluePositionOptions options(std::string address) {
+    GeocluePositionOptions o;
+    o.busAddress = std::move(address);
+    o.report = [this](std::string_view line) { lines.emplace_back(line); };
+    return o;
+  }
+};
+
+TEST(GeocluePosition, AFixFromTheServiceOnTheSystemBusBecomesTheLastKnownCoordinate) {
+  PrivateBus bus;
+  FakeGeoClue service(bus.address(), FakeGeoClue::Start::GivesFix);
+  ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
+  Watch watch;
+  GeocluePosition position(watch.options(""));
+  ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+  EXPECT_EQ(position.lastKnown(), std::nullopt);
+  ASSERT_TRUE(iterateUntil([&] { return position.lastKnown().has_value(); }));
+  EXPECT_EQ(position.lastKnown(), (Coordinate{12.9715987, 77.5945627}));
+  EXPECT_EQ(position.state(), State::Running);
+  EXPECT_EQ(service.desktopId(), "vantu-h5");
+  EXPECT_EQ(service.accuracy(), static_cast<guint>(GCLUE_ACCURACY_LEVEL_EXACT));
+  EXPECT_TRUE(watch.lines.empty());
+}
+
+TEST(GeocluePosition, WithoutBusServiceOrPermissionThereIsNoFixAndOneLine) {
+  PrivateBus bus;
+  struct Row {
+    const char* name;
+    std::string address;
+    std::optional<FakeGeoClue::Start> service;
+    const char* step;
+  };
+  const Row rows[] = {
+      {"no bus", "unix:path=/nonexistent/vantu-bus", std::nullopt, "connecting to the system bus"},
+      {"no service", bus.address(), std::nullopt, "asking for a client"},
+      {"refused", bus.address(), FakeGeoClue::Start::Refused, "starting the client"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    std::optional<FakeGeoClue> service;
+    if (row.service) service.emplace(row.address, *row.service);
+    Watch watch;
+    GeocluePosition position(watch.options(row.address));
+    ASSERT_TRUE(iterateUntil([&] { return position.state() == State::Failed; }));
+    EXPECT_EQ(position.lastKnown(), std::nullopt);
+    ASSERT_EQ(watch.lines.size(), 1u);
+    EXPECT_NE(watch.lines[0].find(row.step), std::string::npos) << watch.lines[0];
+  }
+}
+
+}  // namespace
+}  // namespace vantu::linux_platform
+
+#endif  // VANTU_HAVE_GEOCLUE
