@@ -9,9 +9,11 @@
 #include <iostream>
 #include <sstream>
 
+#include "platforms/gtk/container_application.h"
 #include "platforms/gtk/container_stack.h"
 #include "platforms/gtk/directory_server.h"
 #include "platforms/gtk/glib_main_context.h"
+#include "platforms/gtk/gtk_dialogs.h"
 #include "platforms/gtk/gtk_platform.h"
 #include "platforms/sim/scenario.h"
 #include "platforms/sim/device_profile.h"
@@ -104,7 +106,21 @@ int runContainer(const RunOptions& options) {
   // (the simulated device's defaults without one).
   auto loaded = sim::DeviceProfile::load(profile ? *profile : Value(Dict{}), bundle->dispatch);
   if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
-  std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
+  const auto& deviceProfile = std::get<sim::DeviceProfile>(loaded);
+  deviceProfile.installInto(*bundle->platform);
+  auto application = std::dynamic_pointer_cast<gtk::ContainerApplication>(bundle->platform->application);
+  if (application) application->setCameraSource(options.cameraSource);
+  // Pickers the profile scripts are answered from it; the others (left out
+  // or "hold") show their dialogs.
+  if (const auto& pickers = deviceProfile.pickers()) {
+    pickers->baseDirectory = std::filesystem::absolute(options.deviceProfile).parent_path();
+    if (application) application->setCameraScripted(pickers->camera.action != sim::SimPickers::Action::hold);
+    gtk::setPickerScript([pickers](const std::shared_ptr<ViewController>& presented) {
+      if (!pickers->answers(*presented)) return false;
+      pickers->presented(presented);
+      return true;
+    });
+  }
   installPlatform(bundle->platform);
 
   // What to open, and the web domains that may call bridges.

@@ -1,7 +1,8 @@
 #pragma once
 // The platform bundle of the GTK container: the Linux bundle with its main
 // queue on GLib's main context (the one GTK runs), so bridge work, GTK and
-// WebKit share the main thread.
+// WebKit share the main thread. Its application object is the container's
+// (container_application.h: the image picker's sources).
 
 #include "platforms/linux/linux_platform.h"
 

@@ -20,10 +20,10 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     const std::string name = key.text();
     if (std::find(std::begin(kSections), std::end(kSections), name) == std::end(kSections)) {
       return "unknown device profile section \"" + name +
-             "\" (a profile holds \"permissions\", \"location\" and \"deviceOwnerAuthentication\")";
+             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\" and \"pickers\")";
     }
   }
-  DeviceProfile loaded(std::move(dispatch));
+  DeviceProfile loaded(dispatch);
   std::optional<std::string> error;
   if (const Value* v = sections->find("permissions")) error = loadPermissions(*loaded.authorization_, *v);
   if (error) return "permissions: " + *error;
@@ -33,6 +33,11 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     error = loadDeviceOwnerAuthentication(*loaded.deviceOwnerAuthentication_, *v);
   }
   if (error) return "deviceOwnerAuthentication: " + *error;
+  if (const Value* v = sections->find("pickers")) {
+    loaded.pickers_ = std::make_shared<SimPickers>(std::move(dispatch));
+    error = loadPickers(*loaded.pickers_, *v);
+  }
+  if (error) return "pickers: " + *error;
   return loaded;
 }
 

@@ -18,6 +18,7 @@ class SimAuthorization;
 class SimLocationServices;
 class SimGeocoder;
 class SimDeviceOwnerAuthentication;
+class SimPickers;
 
 /// Applies `value` (the section's content); returns the reason on bad input.
 using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
@@ -63,5 +64,6 @@ std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value
 std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);
 // What the user picks in the image and document pickers (scenario_pickers.cpp).
 std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadPickers(SimPickers& pickers, const Value& value);
 
 }  // namespace vantu::sim
