@@ -32,7 +32,10 @@ struct CameraDirectory::State {
   mutable std::mutex mutex;
   std::vector<GstDevice*> devices;  // one reference each
   bool listed = false;
-  GstDeviceMonitor* monitor = nullptr;
+  std::string deviceClass;
+  GstDeviceMonitor* monitor = nullptr;  // worker queue only
+
+  void startMonitor();
 
   ~State() {
     for (GstDevice* device : devices) gst_object_unref(device);
@@ -66,12 +69,32 @@ CameraDirectory::CameraDirectory(std::shared_ptr<Dispatch> dispatch, std::string
     : dispatch_(std::move(dispatch)),
       worker_(dispatch_->makeSerialQueue("com.vantu.camera.DeviceMonitor")),
       state_(std::make_shared<State>()) {
+  state_->deviceClass = std::move(deviceClass);
+}
+
+CameraDirectory::~CameraDirectory() {
+  // The state lives until the monitor has stopped, as its bus handler uses it.
+  // The task holds the queue, so the main thread never waits for the worker.
+  worker_->async([state = state_, worker = worker_] {
+    if (!state->monitor) return;
+    gst_device_monitor_stop(state->monitor);
+    GstBus* bus = gst_device_monitor_get_bus(state->monitor);
+    gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
+    gst_object_unref(bus);
+    gst_object_unref(state->monitor);
+    state->monitor = nullptr;
+  });
+}
+
+// On the worker queue: GStreamer's first initialisation reads its plugin
+// registry, which may take a while.
+void CameraDirectory::State::startMonitor() {
   if (!gst_is_initialized()) gst_init(nullptr, nullptr);
-  state_->monitor = gst_device_monitor_new();
-  gst_device_monitor_add_filter(state_->monitor, deviceClass.c_str(), nullptr);
+  monitor = gst_device_monitor_new();
+  gst_device_monitor_add_filter(monitor, deviceClass.c_str(), nullptr);
   // Hot-plugged cameras: the monitor's messages are handled on the thread
   // that posts them, so no main context needs to run for them.
-  GstBus* bus = gst_device_monitor_get_bus(state_->monitor);
+  GstBus* bus = gst_device_monitor_get_bus(monitor);
   gst_bus_set_sync_handler(
       bus,
       [](GstBus*, GstMessage* message, gpointer data) -> GstBusSyncReply {
@@ -87,29 +110,17 @@ CameraDirectory::CameraDirectory(std::shared_ptr<Dispatch> dispatch, std::string
         if (device) gst_object_unref(device);
         return GST_BUS_DROP;
       },
-      state_.get(), nullptr);
+      this, nullptr);
   gst_object_unref(bus);
-}
-
-CameraDirectory::~CameraDirectory() {
-  // The state lives until the monitor has stopped, as its bus handler uses it.
-  // The task holds the queue, so the main thread never waits for the worker.
-  worker_->async([state = state_, worker = worker_] {
-    gst_device_monitor_stop(state->monitor);
-    GstBus* bus = gst_device_monitor_get_bus(state->monitor);
-    gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
-    gst_object_unref(bus);
-    gst_object_unref(state->monitor);
-    state->monitor = nullptr;
-  });
+  gst_device_monitor_start(monitor);
+  GList* listed = gst_device_monitor_get_devices(monitor);
+  for (GList* item = listed; item; item = item->next) add(GST_DEVICE(item->data));
+  g_list_free_full(listed, gst_object_unref);
 }
 
 void CameraDirectory::start(std::function<void()> listed) {
   worker_->async([state = state_, main = dispatch_->main(), listed = std::move(listed)] {
-    gst_device_monitor_start(state->monitor);
-    GList* devices = gst_device_monitor_get_devices(state->monitor);
-    for (GList* item = devices; item; item = item->next) state->add(GST_DEVICE(item->data));
-    g_list_free_full(devices, gst_object_unref);
+    if (!state->monitor) state->startMonitor();
     // The listing counts as in once the main queue knows.
     main->async([state, listed] {
       {

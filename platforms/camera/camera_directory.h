@@ -2,8 +2,9 @@
 // The cameras of the machine, from GStreamer's device monitor ("Video/Source"
 // devices: V4L2 cameras, and PipeWire's when its provider is installed).
 //
-// The monitor is started on a worker queue (providers probe devices and may
-// take a while) and keeps the list current as cameras come and go; every
+// The monitor is made and started on a worker queue (GStreamer's first
+// initialisation reads its plugin registry, and providers probe devices:
+// both may take a while) and keeps the list current as cameras come and go; every
 // query answers from the list as it stands, so none of them waits.
 
 #include <gst/gst.h>
