@@ -44,4 +44,20 @@ if "$cli" run "$work/profiled" --device-profile "$work/bad-profile.json" --data-
   echo "a profile with a scenario-only section was accepted"; exit 1
 fi
 grep -q 'unknown device profile section "screens"' "$work/log4" || { cat "$work/log4"; echo "wrong refusal"; exit 1; }
+# Pickers scripted by the profile: the gallery picks the screenshot (named
+# relative to the profile), the camera counts as present and is cancelled.
+mkdir "$work/picking" "$work/picking/files"
+cp "$work/shot.png" "$work/picking/files/shot.png"
+printf '%s' '{"permissions": {"photoLibrary": "authorized", "camera": "authorized"},
+ "pickers": {"photoLibrary": "files/shot.png", "camera": "cancel"}}' >"$work/picking/profile.json"
+printf '%s' '<html><body><script>
+vantu.invoke("vantuOpenGallery", {}).then(function (g) {
+  return vantu.invoke("vantuCaptureImageFromCamera", {}).then(function (c) {
+    var ok = g.data && g.data.meta.imageName === "shot.png" && g.data.base64.indexOf("iVBORw0KGgo") === 0 &&
+             c.message === "User cancelled the operation!";
+    document.title = ok ? "vantu-selftest:done" : "vantu-selftest:failed: " + JSON.stringify([g.data ? g.data.meta : g, c]);
+  });
+});</script></body></html>' >"$work/picking/index.html"
+"$cli" run "$work/picking" --self-test --device-profile "$work/picking/profile.json" --data-dir "$work/data" --timeout 60 \
+  >"$work/log5" 2>&1 || { cat "$work/log5"; echo "the scripted pickers did not answer"; exit 1; }
 echo "run ok ($calls calls, $answers answers)"

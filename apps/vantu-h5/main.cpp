@@ -92,8 +92,10 @@ int main(int argc, char** argv) {
   runCommand->add_option("--app-type", run.appType, "miniapp or generic")->capture_default_str();
   runCommand->add_option("--data-dir", run.dataDir, "Directory for persisted data (default: $XDG_DATA_HOME/vantu-h5)");
   runCommand->add_option("--allow-domain", run.allowDomains, "Web domain whose pages may call bridges (repeatable)");
-  runCommand->add_option("--device-profile", run.deviceProfile, "JSON file with the device's \"permissions\", \"location\" and \"deviceOwnerAuthentication\"")
+  runCommand->add_option("--device-profile", run.deviceProfile, "JSON file with the device's \"permissions\", \"location\", \"deviceOwnerAuthentication\" and \"pickers\"")
       ->check(CLI::ExistingFile);
+  runCommand->add_option("--camera-source", run.cameraSource,
+                         "GStreamer pipeline description used as the camera (e.g. \"videotestsrc\")");
   runCommand->add_flag("--self-test", run.selfTest, "Open the page with ?selftest=1 and wait for its verdict in the title");
   runCommand->add_option("--screenshot", run.screenshot, "With --self-test: write the final page as PNG");
   runCommand->add_option("--timeout", run.timeoutSeconds, "With --self-test: seconds to wait for the verdict")

@@ -9,9 +9,11 @@
 #include <iostream>
 #include <sstream>
 
+#include "platforms/gtk/container_application.h"
 #include "platforms/gtk/container_stack.h"
 #include "platforms/gtk/directory_server.h"
 #include "platforms/gtk/glib_main_context.h"
+#include "platforms/gtk/gtk_dialogs.h"
 #include "platforms/gtk/gtk_platform.h"
 #include "platforms/sim/scenario.h"
 #include "platforms/sim/device_profile.h"
@@ -100,11 +102,26 @@ int runContainer(const RunOptions& options) {
   platformOptions.dataDirectory = dataDir;
   auto bundle = gtk::makeGtkPlatform(std::move(platformOptions));
   if (!bundle) return fail("no display to open a window on (set DISPLAY, or run under xvfb-run)");
-  // A device profile replaces the services of its sections.
+  auto application = std::dynamic_pointer_cast<gtk::ContainerApplication>(bundle->platform->application);
+  if (application) application->setCameraSource(options.cameraSource);
+  // A device profile replaces the services of its sections. Pickers it
+  // scripts are answered from it; the others (left out or "hold") show
+  // their dialogs.
+  std::shared_ptr<sim::SimPickers> pickers;
   if (profile) {
     auto loaded = sim::DeviceProfile::load(*profile, *bundle->platform);
     if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
     std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
+    pickers = std::get<sim::DeviceProfile>(loaded).pickers();
+  }
+  if (pickers) {
+    pickers->baseDirectory = std::filesystem::absolute(options.deviceProfile).parent_path();
+    if (application) application->setCameraScripted(pickers->camera.action != sim::SimPickers::Action::hold);
+    gtk::setPickerScript([pickers](const std::shared_ptr<ViewController>& presented) {
+      if (!pickers->answers(*presented)) return false;
+      pickers->presented(presented);
+      return true;
+    });
   }
   installPlatform(bundle->platform);
 

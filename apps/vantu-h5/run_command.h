@@ -14,6 +14,7 @@ struct RunOptions {
   std::string dataDir;
   std::vector<std::string> allowDomains;
   std::string deviceProfile;
+  std::string cameraSource;  // a GStreamer pipeline description standing in for the camera
   bool selfTest = false;
   std::string screenshot;
   double timeoutSeconds = 120;

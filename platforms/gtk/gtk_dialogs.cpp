@@ -6,8 +6,9 @@
 #include <string>
 
 #include "platforms/gtk/container_window.h"
+#include "platforms/gtk/gtk_dialog_parts.h"
+#include "platforms/gtk/gtk_pickers.h"
 #include "vantu/platform/activity_view_controller.h"
-#include "vantu/core/diagnostics.h"
 #include "vantu/platform/alert_controller.h"
 #include "vantu/platform/document_picker_controller.h"
 #include "vantu/platform/image_picker_controller.h"
@@ -19,6 +20,7 @@ namespace {
 struct Shown {
   GtkWindow* window;
   std::vector<GtkWidget*> buttons;
+  std::shared_ptr<void> attached;
 };
 
 std::map<const ViewController*, Shown>& shownDialogs() {
@@ -26,10 +28,9 @@ std::map<const ViewController*, Shown>& shownDialogs() {
   return dialogs;
 }
 
-GtkWindow* parentWindow() {
-  const auto& application = platform().application;
-  auto window = application ? std::dynamic_pointer_cast<ContainerWindow>(application->keyWindow()) : nullptr;
-  return window ? window->gtkWindow() : nullptr;
+PickerScript& pickerScript() {
+  static PickerScript script;
+  return script;
 }
 
 GtkWidget* label(const std::string& text, const char* cssClass) {
@@ -38,6 +39,14 @@ GtkWidget* label(const std::string& text, const char* cssClass) {
   gtk_label_set_selectable(GTK_LABEL(widget), TRUE);
   if (cssClass) gtk_widget_add_css_class(widget, cssClass);
   return widget;
+}
+
+}  // namespace
+
+GtkWindow* parentWindow() {
+  const auto& application = platform().application;
+  auto window = application ? std::dynamic_pointer_cast<ContainerWindow>(application->keyWindow()) : nullptr;
+  return window ? window->gtkWindow() : nullptr;
 }
 
 using Callback = std::function<void()>;
@@ -50,7 +59,7 @@ GtkWidget* button(const std::string& title, Callback onClick) {
   return widget;
 }
 
-GtkWindow* dialogWindow(const std::string& title, GtkWidget*& content, GtkWidget*& buttonRow) {
+GtkWindow* newDialogWindow(const std::string& title, GtkWidget*& content, GtkWidget*& buttonRow) {
   GtkWindow* window = GTK_WINDOW(gtk_window_new());
   gtk_window_set_title(window, title.c_str());
   gtk_window_set_modal(window, TRUE);
@@ -67,10 +76,27 @@ GtkWindow* dialogWindow(const std::string& title, GtkWidget*& content, GtkWidget
   return window;
 }
 
+void onCloseRequest(GtkWindow* window, Callback onClose) {
+  g_signal_connect_data(
+      window, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
+        (*static_cast<Callback*>(data))();
+        return TRUE;
+      }),
+      new Callback(std::move(onClose)), [](gpointer data, GClosure*) { delete static_cast<Callback*>(data); },
+      GConnectFlags{});
+}
+
+void recordDialog(const ViewController& presented, GtkWindow* window, std::vector<GtkWidget*> buttons,
+                  std::shared_ptr<void> attached) {
+  shownDialogs()[&presented] = Shown{window, std::move(buttons), std::move(attached)};
+}
+
+namespace {
+
 void showAlert(const std::shared_ptr<AlertController>& alert) {
   GtkWidget* content = nullptr;
   GtkWidget* row = nullptr;
-  GtkWindow* window = dialogWindow(alert->title(), content, row);
+  GtkWindow* window = newDialogWindow(alert->title(), content, row);
   if (!alert->title().empty()) gtk_box_append(GTK_BOX(content), label(alert->title(), "title-4"));
   if (!alert->message().empty()) gtk_box_append(GTK_BOX(content), label(alert->message(), nullptr));
   Shown shown{window, {}};
@@ -86,21 +112,15 @@ void showAlert(const std::shared_ptr<AlertController>& alert) {
   gtk_box_append(GTK_BOX(content), row);
   // The library dismisses the alert; the window manager's close button
   // counts as the cancel button.
-  g_signal_connect_data(
-      window, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
-        auto& weakAlert = *static_cast<std::weak_ptr<AlertController>*>(data);
-        if (auto a = weakAlert.lock()) {
-          for (std::size_t i = 0; i < a->actions().size(); ++i) {
-            if (a->actions()[i].style() == AlertAction::Style::Cancel) {
-              a->tapAction(i);
-              break;
-            }
-          }
-        }
-        return TRUE;
-      }),
-      new std::weak_ptr<AlertController>(weak),
-      [](gpointer data, GClosure*) { delete static_cast<std::weak_ptr<AlertController>*>(data); }, GConnectFlags{});
+  onCloseRequest(window, [weak] {
+    auto a = weak.lock();
+    for (std::size_t i = 0; a && i < a->actions().size(); ++i) {
+      if (a->actions()[i].style() == AlertAction::Style::Cancel) {
+        a->tapAction(i);
+        break;
+      }
+    }
+  });
   shownDialogs()[alert.get()] = shown;
   gtk_window_present(window);
 }
@@ -131,7 +151,7 @@ std::string saveImage(const Image& image) {
 void showShareSheet(const std::shared_ptr<ActivityViewController>& sheet) {
   GtkWidget* content = nullptr;
   GtkWidget* row = nullptr;
-  GtkWindow* window = dialogWindow("Share", content, row);
+  GtkWindow* window = newDialogWindow("Share", content, row);
   GtkWidget* status = label("", nullptr);
   Shown shown{window, {}};
   for (const auto& item : sheet->activityItems()) {
@@ -168,22 +188,6 @@ void showShareSheet(const std::shared_ptr<ActivityViewController>& sheet) {
   gtk_window_present(window);
 }
 
-// The container has no picker dialogs yet. A picker that nobody shows would
-// leave its call unanswered and its bridge busy for good, so it is
-// cancelled at once (on the main queue, after the presentation completes)
-// and the reason is printed.
-void refusePicker(const std::shared_ptr<ViewController>& presented) {
-  printDiagnostic("vantu-h5: this container has no picker dialogs yet; the picker was cancelled");
-  platform().dispatch->main()->async([weak = std::weak_ptr<ViewController>(presented)] {
-    auto picker = weak.lock();
-    if (auto documents = std::dynamic_pointer_cast<DocumentPickerController>(picker)) {
-      documents->cancel();
-    } else if (auto image = std::dynamic_pointer_cast<ImagePickerController>(picker)) {
-      image->cancel();
-    }
-  });
-}
-
 }  // namespace
 
 void showDialog(const std::shared_ptr<ViewController>& presented) {
@@ -193,15 +197,22 @@ void showDialog(const std::shared_ptr<ViewController>& presented) {
     showShareSheet(sheet);
   } else if (std::dynamic_pointer_cast<DocumentPickerController>(presented) ||
              std::dynamic_pointer_cast<ImagePickerController>(presented)) {
-    refusePicker(presented);
+    if (!pickerScript() || !pickerScript()(presented)) showPicker(presented);
   }
 }
+
+void setPickerScript(PickerScript script) { pickerScript() = std::move(script); }
 
 void closeDialog(const ViewController& presented) {
   auto it = shownDialogs().find(&presented);
   if (it == shownDialogs().end()) return;
   gtk_window_destroy(it->second.window);
   shownDialogs().erase(it);
+}
+
+GtkWindow* dialogWindow(const ViewController& presented) {
+  auto it = shownDialogs().find(&presented);
+  return it == shownDialogs().end() ? nullptr : it->second.window;
 }
 
 std::vector<GtkWidget*> dialogButtons(const ViewController& presented) {

@@ -2,6 +2,7 @@
 
 #include <gtk/gtk.h>
 
+#include "platforms/gtk/container_application.h"
 #include "platforms/gtk/glib_main_context.h"
 #include "platforms/gtk/gtk_consent.h"
 #include "platforms/gtk/gtk_password_prompt.h"
@@ -44,7 +45,12 @@ std::optional<linux_platform::LinuxPlatform> makeGtkPlatform(linux_platform::Lin
     options.positionSource = [geoclue] { return geoclue->lastKnown(); };
   }
 #endif
-  return linux_platform::makeLinuxPlatform(std::move(options));
+  auto openSettings = options.openSettings;
+  auto bundle = linux_platform::makeLinuxPlatform(std::move(options));
+  std::function<void()> settingsPage;
+  if (openSettings) settingsPage = [openSettings, store = bundle.permissions] { openSettings(store); };
+  bundle.platform->application = std::make_shared<ContainerApplication>(bundle.dispatch, std::move(settingsPage));
+  return bundle;
 }
 
 }  // namespace vantu::gtk

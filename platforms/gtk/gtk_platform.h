@@ -4,7 +4,9 @@
 // WebKit share the main thread. Permission questions, the settings page and
 // the owner-authentication password prompt are GTK windows (gtk_consent.h,
 // gtk_password_prompt.h) unless the options bring their own, and positions
-// come from GeoClue, whose client runs on that main context.
+// come from GeoClue, whose client runs on that main context. Its
+// application object is the container's (container_application.h: the
+// image picker's sources, and the settings page).
 
 #include "platforms/linux/linux_platform.h"
 

@@ -36,7 +36,8 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     const std::string name = key.text();
     if (std::find(std::begin(kSections), std::end(kSections), name) == std::end(kSections)) {
       return "unknown device profile section \"" + name +
-             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\" and \"network\")";
+             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\", \"network\" and "
+             "\"pickers\")";
     }
   }
   const auto& dispatch = base.dispatch;
@@ -68,6 +69,11 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     error = loadNetwork(*loaded.reachability_, radio, *v);
     if (error) return *error;
     if (base.device) loaded.facts_ = std::make_shared<RadioOverride>(base.device, std::move(radio));
+  }
+  if (const Value* v = sections->find("pickers")) {
+    loaded.pickers_ = std::make_shared<SimPickers>(dispatch);
+    error = loadPickers(*loaded.pickers_, *v);
+    if (error) return "pickers: " + *error;
   }
   return loaded;
 }

@@ -3,7 +3,8 @@
 // platform, so page authors can try denied permissions, no position fix,
 // a failed owner authentication or another network on a desktop. Each
 // section of the profile replaces the services it names; the platform keeps
-// its own for the rest.
+// its own for the rest. The "pickers" section scripts what the user picks,
+// in place of the container's picker dialogs.
 
 #include <memory>
 #include <string>
@@ -13,6 +14,7 @@
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_location.h"
 #include "platforms/sim/sim_reachability.h"
+#include "platforms/sim/sim_pickers.h"
 #include "vantu/platform/platform.h"
 #include "vantu/value/value.h"
 
@@ -22,7 +24,8 @@ class DeviceProfile {
  public:
   /// The sections a profile may hold; each reads as in a scenario
   /// ("network" as the device section's "network" object).
-  static constexpr std::string_view kSections[] = {"permissions", "location", "deviceOwnerAuthentication", "network"};
+  static constexpr std::string_view kSections[] = {"permissions", "location", "deviceOwnerAuthentication", "network",
+                                                      "pickers"};
 
   /// Reads `profile` (an object holding any of kSections) into services for
   /// its sections, answering on `base`'s main queue. A "location" section
@@ -36,6 +39,11 @@ class DeviceProfile {
   /// Puts the profile's services into `platform`, leaving the others.
   void installInto(Platform& platform) const;
 
+  /// The scripted pickers, when the profile has a "pickers" section (their
+  /// relative file names are read against the current directory until the
+  /// caller sets `baseDirectory`); nullptr otherwise.
+  const std::shared_ptr<SimPickers>& pickers() const { return pickers_; }
+
  private:
   DeviceProfile() = default;
 
@@ -45,6 +53,7 @@ class DeviceProfile {
   std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
   std::shared_ptr<SimReachability> reachability_;
   std::shared_ptr<DeviceFacts> facts_;
+  std::shared_ptr<SimPickers> pickers_;
 };
 
 }  // namespace vantu::sim

@@ -19,6 +19,7 @@ class SimLocationServices;
 class SimGeocoder;
 class SimDeviceOwnerAuthentication;
 class SimReachability;
+class SimPickers;
 
 /// Applies `value` (the section's content); returns the reason on bad input.
 using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
@@ -68,5 +69,6 @@ std::optional<std::string> loadHttpSection(SimDevice& device, const Value& value
 std::optional<std::string> loadPhotoLibrarySection(SimDevice& device, const Value& value);
 // What the user picks in the image and document pickers (scenario_pickers.cpp).
 std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value);
+std::optional<std::string> loadPickers(SimPickers& pickers, const Value& value);
 
 }  // namespace vantu::sim

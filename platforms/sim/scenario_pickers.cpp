@@ -9,11 +9,10 @@
 
 namespace vantu::sim {
 
-std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value) {
+std::optional<std::string> loadPickers(SimPickers& pickers, const Value& value) {
   const Dict* d = value.asDict();
   if (!d) return std::string("must be an object with \"photoLibrary\", \"camera\" or \"documents\"");
   // Check everything first, so that a bad entry changes nothing.
-  SimPickers& pickers = device.pickers();
   auto photoLibrary = pickers.photoLibrary;
   auto camera = pickers.camera;
   auto documents = pickers.documents;
@@ -35,6 +34,10 @@ std::optional<std::string> loadPickersSection(SimDevice& device, const Value& va
   pickers.camera = std::move(camera);
   pickers.documents = std::move(documents);
   return std::nullopt;
+}
+
+std::optional<std::string> loadPickersSection(SimDevice& device, const Value& value) {
+  return loadPickers(device.pickers(), value);
 }
 
 }  // namespace vantu::sim

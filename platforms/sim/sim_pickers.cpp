@@ -33,6 +33,13 @@ void SimPickers::presented(const std::shared_ptr<ViewController>& controller) {
   }
 }
 
+bool SimPickers::answers(const ViewController& controller) const {
+  if (const auto* picker = dynamic_cast<const ImagePickerController*>(&controller)) {
+    return (picker->sourceType() == ImagePickerSource::camera ? camera : photoLibrary).action != Action::hold;
+  }
+  return dynamic_cast<const DocumentPickerController*>(&controller) && documents.action != Action::hold;
+}
+
 std::vector<std::shared_ptr<ImagePickerController>> SimPickers::shownImagePickers() const {
   return stillShown<ImagePickerController>(shown_);
 }

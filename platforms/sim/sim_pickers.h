@@ -4,7 +4,8 @@
 // section says the user does: picks a file (a real file on disk), cancels,
 // or leaves the picker up until the runner's pickImage, pickDocuments or
 // cancelPicker command answers it. Every answer reaches the picker on the
-// main queue, as a user's action does.
+// main queue, as a user's action does. A device profile brings the same
+// choices to the container, on its own main queue.
 
 #include <filesystem>
 #include <memory>
@@ -12,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "platforms/sim/sim_dispatch.h"
+#include "vantu/platform/dispatch.h"
 #include "vantu/platform/document_picker_controller.h"
 #include "vantu/platform/image_picker_controller.h"
 
@@ -37,7 +38,7 @@ class SimPickers {
     std::vector<std::string> files;
   };
 
-  explicit SimPickers(std::shared_ptr<SimDispatch> dispatch) : dispatch_(std::move(dispatch)) {}
+  explicit SimPickers(std::shared_ptr<Dispatch> dispatch) : dispatch_(std::move(dispatch)) {}
 
   ImageChoice photoLibrary;
   ImageChoice camera;
@@ -48,6 +49,9 @@ class SimPickers {
 
   /// The presenting hook: scripts the user's answer to a picker.
   void presented(const std::shared_ptr<ViewController>& controller);
+  /// Whether `controller` is a picker these choices answer by themselves
+  /// (its choice is "pick" or "cancel", not "hold").
+  bool answers(const ViewController& controller) const;
 
   /// The image / document pickers being presented now.
   std::vector<std::shared_ptr<ImagePickerController>> shownImagePickers() const;
@@ -65,7 +69,7 @@ class SimPickers {
   ImagePickerMediaInfo mediaInfo(const ImageChoice& choice, bool withUrl) const;
 
  private:
-  std::shared_ptr<SimDispatch> dispatch_;
+  std::shared_ptr<Dispatch> dispatch_;
   std::vector<std::weak_ptr<ViewController>> shown_;
 };
 

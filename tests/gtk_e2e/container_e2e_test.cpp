@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
+#include "platforms/gtk/container_application.h"
 #include "platforms/gtk/container_stack.h"
 #include "platforms/gtk/directory_server.h"
 #include "platforms/gtk/glib_main_context.h"
@@ -17,6 +20,9 @@
 #include "vantu/container/h5_provider_error.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/platform/alert_controller.h"
+#include "vantu/platform/document_picker_controller.h"
+#include "vantu/platform/image_picker_controller.h"
+#include "vantu/value/base64.h"
 #include "vantu/value/json.h"
 
 namespace vantu::gtk {
@@ -259,17 +265,169 @@ TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
   EXPECT_EQ(screen->presentedViewController(), nullptr);
 }
 
-TEST_F(ContainerE2E, APickerWithoutADialogIsCancelledSoTheCallIsAnswered) {
-  writePage("picker.html", std::string(kSequence) + R"js(sequence([
-    ["vantuPickFile", {extensionsAllowed: ["pdf"], maxLengthPerFile: 1000, maxNumberOfFiles: 1}],
-    ["vantuPickFile", {extensionsAllowed: ["pdf"], maxLengthPerFile: 1000, maxNumberOfFiles: 1}]
-  ]);)js");
-  auto screen = stack->open(url("picker.html"));
-  // Both calls answered: the first picker did not leave the bridge busy.
-  const std::string cancelled = R"({"error":2,"message":"User cancelled the file pick operation!"})";
-  EXPECT_EQ(waitForTitle(screen), "[" + cancelled + "," + cancelled + "]");
+// Photo and camera access granted, as the picker bridges ask for it.
+class GrantedAuthorization : public Authorization {
+ protected:
+  AuthorizationState currentState(ProtectedResource) const override { return AuthorizationState::authorized; }
+  void requestAccess(ProtectedResource, Completion completion) override { completion(AuthorizationState::authorized); }
+};
+
+class PickerE2E : public ContainerE2E {
+ protected:
+  void SetUp() override {
+    ContainerE2E::SetUp();
+    platform().authorization = std::make_shared<GrantedAuthorization>();
+    fs::create_directories(root() / "picks");
+  }
+  void TearDown() override {
+    platform().authorization = nullptr;
+    ContainerE2E::TearDown();
+  }
+
+  /// Waits for `screen` to present a T and for its dialog to show.
+  template <class T>
+  std::shared_ptr<T> waitForPicker(const std::shared_ptr<ContainerScreen>& screen) {
+    std::shared_ptr<T> picker;
+    runMainContextUntil([&] {
+      picker = std::dynamic_pointer_cast<T>(screen->presentedViewController());
+      return picker && dialogWindow(*picker);
+    }, kWait);
+    EXPECT_TRUE(picker && dialogWindow(*picker)) << "no picker dialog";
+    return picker && dialogWindow(*picker) ? picker : nullptr;
+  }
+
+  /// Selects the files called `names` in the chooser's folder list, as a
+  /// user's clicks do, then presses "Open".
+  static void chooseFiles(GtkWindow* dialog, const std::vector<std::string>& names) {
+    GFile* folder = g_file_new_for_path((root() / "picks").c_str());
+    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), folder, nullptr);
+    g_object_unref(folder);
+    std::size_t selected = 0;
+    runMainContextUntil([&] {
+      // GTK 4.8's chooser lists the folder in a tree view; one of its
+      // model's columns holds each row's file.
+      auto* view = findTreeView(GTK_WIDGET(dialog));
+      GtkTreeModel* model = view ? gtk_tree_view_get_model(view) : nullptr;
+      int fileColumn = -1;
+      for (int c = 0; model && c < gtk_tree_model_get_n_columns(model); ++c) {
+        if (gtk_tree_model_get_column_type(model, c) == G_TYPE_FILE) fileColumn = c;
+      }
+      if (fileColumn < 0) return false;
+      GtkTreeIter row;
+      for (bool more = model && gtk_tree_model_get_iter_first(model, &row); more; more = gtk_tree_model_iter_next(model, &row)) {
+        GFile* file = nullptr;
+        gtk_tree_model_get(model, &row, fileColumn, &file, -1);
+        char* name = file ? g_file_get_basename(file) : nullptr;
+        if (name && std::find(names.begin(), names.end(), name) != names.end()) {
+          gtk_tree_selection_select_iter(gtk_tree_view_get_selection(view), &row);
+        }
+        g_free(name);
+        if (file) g_object_unref(file);
+      }
+      GListModel* files = gtk_file_chooser_get_files(GTK_FILE_CHOOSER(dialog));
+      selected = g_list_model_get_n_items(files);
+      g_object_unref(files);
+      return selected == names.size();
+    }, kWait);
+    ASSERT_EQ(selected, names.size()) << "the files did not show in the chooser";
+    gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+  }
+
+  static GtkTreeView* findTreeView(GtkWidget* widget) {
+    if (GTK_IS_TREE_VIEW(widget)) return GTK_TREE_VIEW(widget);
+    for (GtkWidget* child = gtk_widget_get_first_child(widget); child; child = gtk_widget_get_next_sibling(child)) {
+      if (auto* view = findTreeView(child)) return view;
+    }
+    return nullptr;
+  }
+
+  /// Writes a `width` x `height` PNG into the picks folder; returns its bytes.
+  static std::string writePicture(const std::string& name, int width, int height) {
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(width) * height * 4, 0x80);
+    GBytes* bytes = g_bytes_new(pixels.data(), pixels.size());
+    GdkTexture* texture = gdk_memory_texture_new(width, height, GDK_MEMORY_R8G8B8A8, bytes, width * 4);
+    g_bytes_unref(bytes);
+    EXPECT_TRUE(gdk_texture_save_to_png(texture, (root() / "picks" / name).c_str()));
+    g_object_unref(texture);
+    std::ifstream in(root() / "picks" / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  }
+};
+
+TEST_F(PickerE2E, TheGalleryChooserAnswersThePickedPictureThenACancel) {
+  const std::string png = writePicture("shot.png", 7, 5);
+  writePage("gallery.html", std::string(kSequence) + R"js(sequence([["vantuOpenGallery", {}], ["vantuOpenGallery", {}]]);)js");
+  auto screen = stack->open(url("gallery.html"));
+  auto picker = waitForPicker<ImagePickerController>(screen);
+  ASSERT_TRUE(picker);
+  EXPECT_TRUE(GTK_IS_FILE_CHOOSER(dialogWindow(*picker)));
+  chooseFiles(dialogWindow(*picker), {"shot.png"});
+  // The second call's picker: cancelled from its own button.
+  runMainContextUntil([&] {
+    auto next = std::dynamic_pointer_cast<ImagePickerController>(screen->presentedViewController());
+    return next && next != picker && dialogWindow(*next);
+  }, kWait);
+  auto second = screen->presentedViewController();
+  ASSERT_TRUE(second && second != picker && dialogWindow(*second));
+  gtk_dialog_response(GTK_DIALOG(dialogWindow(*second)), GTK_RESPONSE_CANCEL);
+
+  const Value parsed = parse(waitForTitle(screen));
+  ASSERT_TRUE(parsed.asArray() && parsed.asArray()->size() == 2u) << json::write(parsed);
+  const Array& answers = *parsed.asArray();
+  ASSERT_TRUE(answers[0].asDict() && answers[0].asDict()->find("data")) << json::write(answers[0]);
+  const Dict& data = *answers[0].asDict()->find("data")->asDict();
+  EXPECT_EQ(*data.find("base64")->asString(), base64::encode(std::vector<std::uint8_t>(png.begin(), png.end())));
+  const Dict& meta = *data.find("meta")->asDict();
+  EXPECT_EQ(*meta.find("imageName")->asString(), "shot.png");
+  EXPECT_EQ(*meta.find("imageType")->asString(), "png");
+  EXPECT_EQ(json::write(answers[1]), R"({"error":2,"message":"User cancelled the operation!"})");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+  EXPECT_EQ(dialogWindow(*picker), nullptr);
+}
+
+TEST_F(PickerE2E, TheDocumentChooserAnswersEveryFileChosen) {
+  std::ofstream(root() / "picks" / "a.txt") << "first";
+  std::ofstream(root() / "picks" / "b.txt") << "second!";
+  writePage("files.html", std::string(kSequence) + R"js(sequence([
+    ["vantuPickFile", {extensionsAllowed: ["txt"], maxLengthPerFile: 1000, maxNumberOfFiles: 2}]]);)js");
+  auto screen = stack->open(url("files.html"));
+  auto picker = waitForPicker<DocumentPickerController>(screen);
+  ASSERT_TRUE(picker);
+  EXPECT_TRUE(gtk_file_chooser_get_select_multiple(GTK_FILE_CHOOSER(dialogWindow(*picker))));
+  chooseFiles(dialogWindow(*picker), {"a.txt", "b.txt"});
+  const std::string answer = waitForTitle(screen);
+  for (const char* expected : {R"("fileName":"a.txt")", R"("fileName":"b.txt")", "\"Zmlyc3Q=\"", "\"c2Vjb25kIQ==\""}) {
+    EXPECT_NE(answer.find(expected), std::string::npos) << expected << " missing from " << answer;
+  }
   EXPECT_EQ(screen->presentedViewController(), nullptr);
 }
+
+#ifdef VANTU_HAVE_CAMERA
+TEST_F(PickerE2E, TheCameraPreviewTakesTheFrameOnScreen) {
+  auto application = std::dynamic_pointer_cast<ContainerApplication>(platform().application);
+  ASSERT_TRUE(application);
+  application->setCameraSource("videotestsrc ! capsfilter caps=video/x-raw,width=40,height=24");
+  // The page shows the photo it gets and reports its pixel size.
+  writePage("camera.html", R"js(
+    vantu.call("vantuCaptureImageFromCamera", {}, function (a) {
+      if (!a.data) { document.title = "done:" + JSON.stringify(a); return; }
+      var img = new Image();
+      img.onload = function () { document.title = "done:" + [a.data.meta.imageType, img.naturalWidth, img.naturalHeight]; };
+      img.onerror = function () { document.title = "done:undecodable"; };
+      img.src = "data:image/jpeg;base64," + a.data.base64;
+    });)js");
+  auto screen = stack->open(url("camera.html"));
+  auto picker = waitForPicker<ImagePickerController>(screen);
+  application->setCameraSource("");
+  ASSERT_TRUE(picker);
+  auto buttons = dialogButtons(*picker);
+  ASSERT_EQ(buttons.size(), 2u);  // "Cancel", "Take photo"
+  EXPECT_TRUE(runMainContextUntil([&] { return gtk_widget_get_sensitive(buttons[1]); }, kWait)) << "no frame shown";
+  g_signal_emit_by_name(buttons[1], "clicked");
+  EXPECT_EQ(waitForTitle(screen), "jpg,40,24");
+  EXPECT_EQ(screen->presentedViewController(), nullptr);
+}
+#endif
 
 TEST_F(ContainerE2E, TheShareDialogCopiesTheTextAndCloses) {
   writePage("share.html", R"js(

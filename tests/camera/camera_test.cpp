@@ -1,0 +1,114 @@
+// Camera capture on GStreamer: which listed camera a rear/front choice opens,
+// real frames from a test source through the capture pipeline, and the
+// container's camera availability without a camera.
+
+#include <gtest/gtest.h>
+
+#include "platforms/camera/camera_choice.h"
+#include "platforms/camera/camera_session.h"
+#include "platforms/gtk/container_application.h"
+#include "platforms/linux/linux_dispatch.h"
+
+namespace vantu::camera {
+namespace {
+
+constexpr auto kWait = std::chrono::seconds(30);
+
+TEST(CameraChoice, RearAndFrontMapOntoTheListedCameras) {
+  constexpr auto none = std::optional<std::size_t>();
+  struct Case {
+    std::vector<CameraInfo> cameras;
+    std::optional<std::size_t> rear, front;
+  };
+  const std::vector<Case> cases = {
+      {{}, none, none},
+      {{{"Integrated Camera", ""}}, 0, 0},
+      // Unmarked: the first listed faces the user, the last the scene.
+      {{{"Integrated Camera", ""}, {"USB Camera", ""}, {"Capture Card", ""}}, 2, 0},
+      // A declared location beats the order and the names.
+      {{{"Front Camera", "back"}, {"Sensor", "front"}}, 0, 1},
+      {{{"cam", "external"}, {"cam", "Rear"}}, 1, 0},
+      // Names, as whole words only ("username" says nothing).
+      {{{"User-facing camera", ""}, {"World camera", ""}}, 1, 0},
+      {{{"Backlit username cam", ""}, {"Other", ""}}, 1, 0},
+      // Only the other side exists: the first camera still opens.
+      {{{"Front A", ""}, {"Front B", ""}}, 0, 0},
+      {{{"x", "back"}}, 0, 0},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::rear), cases[i].rear) << "case " << i;
+    EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::front), cases[i].front) << "case " << i;
+  }
+}
+
+class CameraCapture : public ::testing::Test {
+ protected:
+  std::shared_ptr<linux_platform::LinuxDispatch> dispatch = std::make_shared<linux_platform::LinuxDispatch>();
+  bool runUntil(const std::function<bool()>& done) { return dispatch->loop()->runUntil(done, kWait); }
+};
+
+TEST_F(CameraCapture, FramesFromATestSourceArriveAsRgbaImagesOfItsSize) {
+  std::string error;
+  // BGRx in, so the pipeline's conversion to RGBA is exercised: the
+  // channels must come out in order.
+  GstElement* source = sourceFromDescription(
+      "videotestsrc pattern=solid-color foreground-color=0xff102030 ! "
+      "capsfilter caps=video/x-raw,format=BGRx,width=50,height=30",
+      error);
+  ASSERT_NE(source, nullptr) << error;
+  int frames = 0;
+  std::string failure;
+  CameraSession session(dispatch, source, [&](const std::shared_ptr<const Image>&) { ++frames; },
+                        [&](const std::string& message) { failure = message; });
+  ASSERT_TRUE(runUntil([&] { return frames >= 2 || !failure.empty(); })) << "no frames";
+  ASSERT_EQ(failure, "");
+  auto frame = session.latestFrame();
+  ASSERT_NE(frame, nullptr);
+  EXPECT_EQ(frame->size.width, 50);
+  EXPECT_EQ(frame->size.height, 30);
+  ASSERT_EQ(frame->bytes.size(), 50u * 30 * 4);
+  const std::vector<std::uint8_t> pixel = {0x10, 0x20, 0x30, 0xff};
+  EXPECT_EQ(std::vector<std::uint8_t>(frame->bytes.begin(), frame->bytes.begin() + 4), pixel);
+  EXPECT_EQ(std::vector<std::uint8_t>(frame->bytes.end() - 4, frame->bytes.end()), pixel);
+  session.stop();
+  const int seen = frames;
+  dispatch->loop()->runUntilIdle();
+  EXPECT_EQ(frames, seen) << "a frame reached the handler after stop";
+}
+
+TEST_F(CameraCapture, BrokenSourcesAreReported) {
+  std::string error;
+  EXPECT_EQ(sourceFromDescription("no-such-element-anywhere", error), nullptr);
+  EXPECT_NE(error, "");
+  GstElement* source = sourceFromDescription("v4l2src device=/nonexistent/video9", error);
+  ASSERT_NE(source, nullptr) << error;
+  std::string failure;
+  CameraSession session(dispatch, source, {}, [&](const std::string& message) { failure = message; });
+  EXPECT_TRUE(runUntil([&] { return !failure.empty(); }));
+  EXPECT_EQ(session.latestFrame(), nullptr);
+}
+
+TEST_F(CameraCapture, WithoutACameraOnlyTheLibrarySourcesAreAvailable) {
+  // A device class no provider lists: the machine has no camera.
+  gtk::ContainerApplication application(dispatch, "Vantu/NoSuchDevice");
+  ASSERT_TRUE(runUntil([&] { return application.cameras().isListed(); }));
+  EXPECT_TRUE(application.cameras().cameras().empty());
+  EXPECT_FALSE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
+  EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::photoLibrary));
+  EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::savedPhotosAlbum));
+  std::string error;
+  EXPECT_EQ(application.createCameraSource(ImagePickerController::CameraDevice::front, error), nullptr);
+  EXPECT_EQ(error, "no camera is connected");
+
+  application.setCameraScripted(true);
+  EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
+  application.setCameraScripted(false);
+  application.setCameraSource("videotestsrc");
+  EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
+  GstElement* source = application.createCameraSource(ImagePickerController::CameraDevice::rear, error);
+  ASSERT_NE(source, nullptr);
+  gst_object_unref(gst_object_ref_sink(source));
+}
+
+}  // namespace
+}  // namespace vantu::camera
