@@ -90,7 +90,7 @@ TEST_F(CameraCapture, BrokenSourcesAreReported) {
 
 TEST_F(CameraCapture, WithoutACameraOnlyTheLibrarySourcesAreAvailable) {
   // A device class no provider lists: the machine has no camera.
-  gtk::ContainerApplication application(dispatch, "Vantu/NoSuchDevice");
+  gtk::ContainerApplication application(dispatch, {}, "Vantu/NoSuchDevice");
   ASSERT_TRUE(runUntil([&] { return application.cameras().isListed(); }));
   EXPECT_TRUE(application.cameras().cameras().empty());
   EXPECT_FALSE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));

@@ -39,7 +39,9 @@ TEST_F(PickerTest, GalleryAndCameraCheckTheirConditionsInTheirOwnOrder) {
     apply(c.scenario);
     auto outcome = call(c.bridge, "{}", c.screen);
     EXPECT_THAT(outcome.answers, ::testing::ElementsAre(flatError(c.expected))) << c.bridge << " " << c.scenario;
-    if (!c.screen.empty()) EXPECT_THAT(outcome.reported, ::testing::ElementsAre(std::string(c.bridge)));
+    if (!c.screen.empty()) {
+      EXPECT_THAT(outcome.reported, ::testing::ElementsAre(std::string(c.bridge)));
+    }
     EXPECT_TRUE(outcome.effects.empty());
     apply(R"({"device": {"imagePickerSources": ["photoLibrary", "camera"]},
               "permissions": {"photoLibrary": "authorized", "camera": "authorized"}})");
