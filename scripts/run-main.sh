@@ -16,7 +16,7 @@ data=$(mktemp -d)
 trap 'rm -rf "$data"' EXIT
 echo "== examples/demo in the container (self-test; screenshot: $screenshot)"
 GTK_A11Y=none tests/with_display.sh "$cli" run examples/demo --self-test --screenshot "$screenshot" \
-  --data-dir "$data" --timeout 120
+  --data-dir "$data" --device-profile examples/demo/device-profile.json --timeout 120
 
 for calls in examples/headless/*.jsonl; do
   scenario=${calls%.jsonl}.scenario.json
