@@ -15,6 +15,7 @@
 // take longer than the limit as long as data keeps coming.
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -55,6 +56,8 @@ class CurlTransport : public HttpTransport {
 
  private:
   void run();
+  /// Whether a job arrives within `limit` (spinning, without sleeping).
+  bool awaitPending(std::chrono::microseconds limit) const;
   void finish(std::unique_ptr<Job> job, HttpTransferResult result, TaskMetrics metrics);
 
   std::shared_ptr<Dispatch> dispatch_;
@@ -63,6 +66,8 @@ class CurlTransport : public HttpTransport {
   std::mutex mutex_;
   std::deque<std::unique_ptr<Job>> pending_;
   bool stopping_ = false;
+  /// Set with each new job, so the worker can watch for one without the lock.
+  std::atomic<bool> hasPending_ = false;
   void* multi_ = nullptr;  // CURLM*, touched only by the worker after start
   std::thread worker_;
 };
