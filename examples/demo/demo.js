@@ -137,19 +137,27 @@
   }
 
   // The header every page shares, plus a warning when the SDK is missing.
-  function frame({ icon: iconName, title, text, back = true }) {
+  // The page's header, and with `answers` (true, or a hint to show) a
+  // "Last answer" card at the end, whose panel is returned.
+  function frame({ icon: iconName, title, text, back = true, answers = false }) {
     const hero = h("header", { class: "hero" },
       h("div", { class: "inner" },
         back ? h("a", { class: "back", href: "index.html" }, "‹ All demos") : null,
         h("h1", {}, icon(iconName), title),
         h("p", {}, text)));
     document.body.prepend(hero);
+    const main = document.querySelector("main");
+    const panel = answers ? h("div", { class: "answer", id: "answer" }) : null;
+    if (panel) {
+      main.append(h("section", { class: "card" }, h("h2", {}, "Last answer"),
+        typeof answers === "string" ? h("p", { class: "hint" }, answers) : null, panel));
+    }
     if (!sdk) {
-      const main = document.querySelector("main");
       main.prepend(h("div", { class: "banner" },
         h("strong", {}, "The vantu SDK is not loaded"),
         "Open this page inside a vantu-h5 container: the container injects window.vantu into its pages. Here every call fails."));
     }
+    return panel;
   }
 
   window.Demo = { sdk, h, fill, verdict, json, chip, show, run, listen, here, frame, icon, isObject };
