@@ -3,10 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <memory>
-#include <sstream>
 
 #include "platforms/sim/headless_runner.h"
 #ifdef VANTU_HAVE_GTK
@@ -24,19 +22,16 @@ std::string versionText() {
 int runCall(const std::string& scenarioPath, const std::string& dataDir, double settleSeconds) {
   vantu::Value scenario = vantu::Dict{};
   if (!scenarioPath.empty()) {
-    std::ifstream file(scenarioPath, std::ios::binary);
-    if (!file) {
+    auto parsed = vantu::json::parseFile(scenarioPath);
+    if (!parsed) {
       std::cerr << "vantu-h5: cannot read scenario " << scenarioPath << "\n";
       return 2;
     }
-    std::stringstream text;
-    text << file.rdbuf();
-    auto parsed = vantu::json::parse(text.str());
-    if (!parsed.ok()) {
-      std::cerr << "vantu-h5: scenario " << scenarioPath << ": " << parsed.error().message << "\n";
+    if (!parsed->ok()) {
+      std::cerr << "vantu-h5: scenario " << scenarioPath << ": " << parsed->error().message << "\n";
       return 2;
     }
-    scenario = std::move(parsed.value());
+    scenario = std::move(parsed->value());
   }
   if (!dataDir.empty()) {
     std::error_code ec;

@@ -5,9 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <sstream>
 
 #include "platforms/gtk/container_application.h"
 #include "platforms/gtk/container_stack.h"
@@ -58,22 +56,6 @@ page::PageObserver callLog(Clock::time_point start, bool quiet) {
   return log;
 }
 
-std::optional<Value> readJsonFile(const std::string& path, std::string& error) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    error = "cannot read " + path;
-    return std::nullopt;
-  }
-  std::stringstream text;
-  text << file.rdbuf();
-  auto parsed = json::parse(text.str());
-  if (!parsed.ok()) {
-    error = path + ": " + parsed.error().message;
-    return std::nullopt;
-  }
-  return std::move(parsed.value());
-}
-
 }  // namespace
 
 int runContainer(const RunOptions& options) {
@@ -85,9 +67,10 @@ int runContainer(const RunOptions& options) {
 
   std::optional<Value> profile;
   if (!options.deviceProfile.empty()) {
-    std::string error;
-    profile = readJsonFile(options.deviceProfile, error);
-    if (!profile) return fail(error);
+    auto parsed = json::parseFile(options.deviceProfile);
+    if (!parsed) return fail("cannot read " + options.deviceProfile);
+    if (!parsed->ok()) return fail(options.deviceProfile + ": " + parsed->error().message);
+    profile = std::move(parsed->value());
     if (!profile->isDict()) return fail(options.deviceProfile + ": must be a JSON object");
   }
   auto appType = appTypeFromRawValue(options.appType);

@@ -13,6 +13,8 @@
 #include <cstring>
 #include <map>
 
+#include "vantu/platform/write_all.h"
+
 namespace vantu::curl {
 namespace {
 
@@ -163,14 +165,9 @@ struct CurlTransport::Job {
       job->body.insert(job->body.end(), data, data + n);
       return n;
     }
-    for (size_t written = 0; written < n;) {
-      ssize_t w = ::write(job->fd, data + written, n - written);
-      if (w < 0 && errno == EINTR) continue;
-      if (w <= 0) {
-        job->writeFailed = true;
-        return 0;  // makes libcurl end the transfer with CURLE_WRITE_ERROR
-      }
-      written += static_cast<size_t>(w);
+    if (!writeAll(job->fd, data, n)) {
+      job->writeFailed = true;
+      return 0;  // makes libcurl end the transfer with CURLE_WRITE_ERROR
     }
     return n;
   }

@@ -1,7 +1,5 @@
 #include "platforms/gtk/gtk_pickers.h"
 
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string_view>
 
@@ -79,9 +77,7 @@ void showLibraryPicker(const std::shared_ptr<ImagePickerController>& picker) {
     }
     decodingQueue()->async([weak, path, main = platform().dispatch->main()] {
       ImagePickerMediaInfo info;
-      std::ifstream in(path, std::ios::binary);
-      const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-      if (auto image = decodeImage(bytes)) info[ImagePickerInfoKey::originalImage] = std::make_shared<const Image>(std::move(*image));
+      if (auto image = decodeImageFile(path)) info[ImagePickerInfoKey::originalImage] = std::make_shared<const Image>(std::move(*image));
       const std::string url = fileUrlFromPath(path);
       info[ImagePickerInfoKey::imageURL] = url;
       info[ImagePickerInfoKey::phAsset] = url;

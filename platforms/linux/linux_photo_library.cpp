@@ -8,6 +8,7 @@
 
 #include "vantu/core/image_decoder.h"
 #include "vantu/net/download_folder.h"
+#include "vantu/platform/write_all.h"
 
 namespace vantu::linux_platform {
 namespace {
@@ -26,16 +27,6 @@ PlatformError failure(std::string description) {
   return PlatformError{"PhotoLibraryErrorDomain", -1, std::move(description)};
 }
 
-bool writeAll(int fd, const Bytes& bytes) {
-  for (std::size_t done = 0; done < bytes.data.size();) {
-    ssize_t n = ::write(fd, bytes.data.data() + done, bytes.data.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    done += static_cast<std::size_t>(n);
-  }
-  return true;
-}
-
 }  // namespace
 
 void LinuxPhotoLibrary::performCreateAsset(Bytes encodedImage, Completion completion) {
@@ -47,7 +38,7 @@ void LinuxPhotoLibrary::performCreateAsset(Bytes encodedImage, Completion comple
     int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644);
     if (fd < 0 && errno == EEXIST) continue;
     if (fd < 0) return completion(false, failure(std::strerror(errno)));
-    const bool written = writeAll(fd, encodedImage);
+    const bool written = writeAll(fd, encodedImage.data.data(), encodedImage.data.size());
     const bool closed = ::close(fd) == 0;
     if (written && closed) return completion(true, std::nullopt);
     ::unlink(path.c_str());

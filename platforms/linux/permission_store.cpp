@@ -6,9 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
+#include "vantu/platform/write_all.h"
 #include "vantu/value/json.h"
 
 namespace vantu::linux_platform {
@@ -17,17 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 constexpr std::int64_t kVersion = 1;
 
-bool writeAll(int fd, const std::string& text) {
-  std::size_t done = 0;
-  while (done < text.size()) {
-    ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    done += static_cast<std::size_t>(n);
-  }
-  return true;
-}
-
 /// Replaces `file` with `text` durably; an empty string when it worked.
 std::string writeDurably(const fs::path& file, const std::string& text) {
   std::error_code ec;
@@ -35,7 +23,7 @@ std::string writeDurably(const fs::path& file, const std::string& text) {
   const fs::path temporary = fs::path(file).concat(".tmp");
   int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (fd < 0) return "cannot create " + temporary.string() + ": " + std::strerror(errno);
-  const bool written = writeAll(fd, text) && ::fsync(fd) == 0;
+  const bool written = writeAll(fd, text.data(), text.size()) && ::fsync(fd) == 0;
   const int writeError = errno;
   ::close(fd);
   if (!written || ::rename(temporary.c_str(), file.c_str()) != 0) {
@@ -118,14 +106,10 @@ void PermissionStore::say(const std::string& line) const {
 void PermissionStore::load() {
   std::error_code ec;
   if (!fs::exists(file_, ec)) return;
-  std::ifstream in(file_, std::ios::binary);
-  if (!in) return setAside("cannot be read");
-  std::stringstream text;
-  text << in.rdbuf();
-  if (in.bad()) return setAside("cannot be read");
-  auto parsed = json::parse(text.str());
-  if (!parsed.ok()) return setAside("is not JSON (" + parsed.error().message + ")");
-  const Dict* root = parsed.value().asDict();
+  auto parsed = json::parseFile(file_);
+  if (!parsed) return setAside("cannot be read");
+  if (!parsed->ok()) return setAside("is not JSON (" + parsed->error().message + ")");
+  const Dict* root = parsed->value().asDict();
   auto entries = root ? root->getDict("permissions") : std::nullopt;
   if (!entries || root->getInt("version") != kVersion) return setAside("is not a version 1 permission file");
   std::map<ProtectedResource, AuthorizationState> states;

@@ -1,8 +1,5 @@
 #include "platforms/sim/sim_pickers.h"
 
-#include <fstream>
-#include <iterator>
-
 #include "vantu/core/file_url.h"
 #include "vantu/core/image_decoder.h"
 
@@ -57,9 +54,7 @@ std::filesystem::path SimPickers::resolve(const std::string& file) const {
 ImagePickerMediaInfo SimPickers::mediaInfo(const ImageChoice& choice, bool withUrl) const {
   ImagePickerMediaInfo info;
   const auto path = resolve(choice.file);
-  std::ifstream in(path, std::ios::binary);
-  const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (auto image = decodeImage(bytes)) info[ImagePickerInfoKey::originalImage] = std::make_shared<const Image>(std::move(*image));
+  if (auto image = decodeImageFile(path)) info[ImagePickerInfoKey::originalImage] = std::make_shared<const Image>(std::move(*image));
   if (withUrl) {
     const std::optional<std::string> url = choice.url ? *choice.url : fileUrlFromPath(path.string());
     if (url) {

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <utility>
+#include <vector>
 
 // The one translation unit that compiles stb_image. Its functions are kept
 // private to this file (STB_IMAGE_STATIC), so they never clash with another
@@ -225,6 +228,13 @@ bool jpegHuffmanTablesAreSound(std::span<const std::uint8_t> bytes) {
 }
 
 }  // namespace
+
+std::optional<Image> decodeImageFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return std::nullopt;
+  const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  return decodeImage(bytes);
+}
 
 std::optional<Image> decodeImage(std::span<const std::uint8_t> bytes) {
   if (bytes.empty() || bytes.size() > static_cast<std::size_t>(INT_MAX)) return std::nullopt;

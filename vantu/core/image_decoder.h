@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <span>
 
@@ -30,5 +31,9 @@ inline constexpr std::int64_t kMaxDecodedImagePixels = std::int64_t{1} << 25;
 /// GIF or BMP file within the limits. Never throws and never reads outside
 /// `bytes`. The image's size is its pixel size (scale 1); its name is empty.
 std::optional<Image> decodeImage(std::span<const std::uint8_t> bytes);
+
+/// The picture in the file at `path`, as `decodeImage` reads it; nothing
+/// when the file cannot be read either.
+std::optional<Image> decodeImageFile(const std::filesystem::path& path);
 
 }  // namespace vantu

@@ -3,6 +3,8 @@
 #include <simdjson.h>
 
 #include <charconv>
+#include <fstream>
+#include <sstream>
 #include <cmath>
 #include <optional>
 #include <vector>
@@ -367,6 +369,15 @@ ParseResult Parser::run() {
 }
 
 }  // namespace
+
+std::optional<ParseResult> parseFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::stringstream text;
+  text << in.rdbuf();
+  if (in.bad()) return std::nullopt;
+  return parse(text.str());
+}
 
 ParseResult parse(std::string_view text) {
   try {

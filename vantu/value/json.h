@@ -2,6 +2,8 @@
 // JSON text <-> Value. Parsing never throws: malformed input (bad syntax,
 // invalid UTF-8, nesting deeper than the limit) gives a JsonError.
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -35,6 +37,9 @@ inline constexpr std::size_t kMaxDepth = 512;
 /// other number (fractions, exponents, integers beyond int64) becomes Double.
 /// Duplicate object keys: the last value wins, at the first key's position.
 ParseResult parse(std::string_view text);
+
+/// Parses the whole file at `path`; nothing when it cannot be read.
+std::optional<ParseResult> parseFile(const std::filesystem::path& path);
 
 struct WriteOptions {
   /// Two-space indentation with " : " between key and value (the layout of

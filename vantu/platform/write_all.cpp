@@ -1,0 +1,20 @@
+#include "vantu/platform/write_all.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vantu {
+
+bool writeAll(int fd, const void* data, std::size_t size) {
+  const auto* bytes = static_cast<const char*>(data);
+  for (std::size_t done = 0; done < size;) {
+    const ssize_t n = ::write(fd, bytes + done, size - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+}  // namespace vantu
