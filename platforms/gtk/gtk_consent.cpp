@@ -3,8 +3,7 @@
 #include <map>
 #include <vector>
 
-#include "platforms/gtk/container_window.h"
-#include "vantu/platform/platform.h"
+#include "platforms/gtk/gtk_dialog_parts.h"
 
 namespace vantu::gtk {
 namespace {
@@ -54,12 +53,6 @@ const char* stateLabel(ProtectedResource resource, AuthorizationState state) {
   return "";
 }
 
-GtkWindow* containerWindow() {
-  if (!hasPlatform() || !platform().application) return nullptr;
-  auto window = std::dynamic_pointer_cast<ContainerWindow>(platform().application->keyWindow());
-  return window ? window->gtkWindow() : nullptr;
-}
-
 GtkWidget* paddedBox(GtkOrientation orientation, int spacing) {
   GtkWidget* box = gtk_box_new(orientation, spacing);
   gtk_widget_set_margin_top(box, 18);
@@ -76,7 +69,7 @@ std::map<ProtectedResource, ShownConsentPrompt>& shownPrompts() {
   return prompts;
 }
 
-/// Lives as long as the prompt window; answers once.
+/// Held by the prompt window's buttons; answers once.
 struct PendingAnswer {
   ProtectedResource resource;
   linux_platform::ConsentPrompt::Answer answer;
@@ -87,15 +80,10 @@ struct PendingAnswer {
     GtkWindow* window = it->second.window;
     shownPrompts().erase(it);
     auto answerNow = std::move(answer);
-    gtk_window_destroy(window);  // frees this object
+    gtk_window_destroy(window);
     answerNow(allowed);
   }
 };
-
-void onAnswerButton(GtkButton* button, gpointer data) {
-  const bool allowed = g_object_get_data(G_OBJECT(button), "vantu-allow") != nullptr;
-  static_cast<PendingAnswer*>(data)->give(allowed);
-}
 
 }  // namespace
 
@@ -104,40 +92,24 @@ std::string consentQuestion(const std::string& appName, ProtectedResource resour
 }
 
 void GtkConsentPrompt::show(ProtectedResource resource, Answer answer) {
-  GtkWindow* window = GTK_WINDOW(gtk_window_new());
-  gtk_window_set_title(window, appName_.c_str());
-  gtk_window_set_modal(window, TRUE);
+  GtkWidget* content = nullptr;
+  GtkWidget* row = nullptr;
+  GtkWindow* window = newDialogWindow(appName_, content, row);
   gtk_window_set_default_size(window, 340, -1);
-  if (GtkWindow* parent = containerWindow()) gtk_window_set_transient_for(window, parent);
-
-  GtkWidget* content = paddedBox(GTK_ORIENTATION_VERTICAL, 12);
   GtkWidget* question = gtk_label_new(consentQuestion(appName_, resource).c_str());
   gtk_label_set_wrap(GTK_LABEL(question), TRUE);
   gtk_widget_add_css_class(question, "title-4");
   gtk_box_append(GTK_BOX(content), question);
 
-  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
-  gtk_widget_set_halign(row, GTK_ALIGN_END);
-  GtkWidget* deny = gtk_button_new_with_label("Don't Allow");
-  GtkWidget* allow = gtk_button_new_with_label(resource == ProtectedResource::location ? "Allow While Using App" : "Allow");
+  auto pending = std::make_shared<PendingAnswer>(PendingAnswer{resource, std::move(answer)});
+  GtkWidget* deny = button("Don't Allow", [pending] { pending->give(false); });
+  GtkWidget* allow = button(resource == ProtectedResource::location ? "Allow While Using App" : "Allow",
+                            [pending] { pending->give(true); });
   gtk_widget_add_css_class(allow, "suggested-action");
-  g_object_set_data(G_OBJECT(allow), "vantu-allow", allow);
   gtk_box_append(GTK_BOX(row), deny);
   gtk_box_append(GTK_BOX(row), allow);
   gtk_box_append(GTK_BOX(content), row);
-  gtk_window_set_child(window, content);
-
-  // The pending answer belongs to the window and goes with it.
-  auto* pending = new PendingAnswer{resource, std::move(answer)};
-  g_object_set_data_full(G_OBJECT(window), "vantu-answer", pending,
-                         [](gpointer data) { delete static_cast<PendingAnswer*>(data); });
-  g_signal_connect(deny, "clicked", G_CALLBACK(onAnswerButton), pending);
-  g_signal_connect(allow, "clicked", G_CALLBACK(onAnswerButton), pending);
-  g_signal_connect(window, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
-                     static_cast<PendingAnswer*>(data)->give(false);
-                     return TRUE;
-                   }),
-                   pending);
+  onCloseRequest(window, [pending] { pending->give(false); });
   // A window destroyed unanswered (the app closing) leaves no stale entry.
   g_signal_connect(window, "destroy", G_CALLBACK(+[](GtkWidget* destroyed, gpointer data) {
                      auto it = shownPrompts().find(static_cast<ProtectedResource>(GPOINTER_TO_INT(data)));
@@ -213,7 +185,7 @@ void openSettingsPage(const std::shared_ptr<PermissionStore>& store, const std::
   fresh->window = GTK_WINDOW(gtk_window_new());
   gtk_window_set_title(fresh->window, (appName + " Settings").c_str());
   gtk_window_set_default_size(fresh->window, 380, -1);
-  if (GtkWindow* parent = containerWindow()) gtk_window_set_transient_for(fresh->window, parent);
+  if (GtkWindow* parent = parentWindow()) gtk_window_set_transient_for(fresh->window, parent);
 
   GtkWidget* content = paddedBox(GTK_ORIENTATION_VERTICAL, 12);
   GtkWidget* heading = gtk_label_new(("Allow \u201c" + appName + "\u201d to access").c_str());

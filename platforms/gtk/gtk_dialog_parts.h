@@ -1,6 +1,6 @@
 #pragma once
 // The pieces every container dialog is made of (gtk_dialogs.cpp,
-// gtk_pickers.cpp): a modal window over the container's window, buttons
+// gtk_pickers.cpp, gtk_consent.cpp, gtk_password_prompt.cpp): a modal window over the container's window, buttons
 // running a function, and the record of which dialog shows which
 // presented view controller.
 

@@ -44,6 +44,7 @@ GtkWidget* label(const std::string& text, const char* cssClass) {
 }  // namespace
 
 GtkWindow* parentWindow() {
+  if (!hasPlatform()) return nullptr;
   const auto& application = platform().application;
   auto window = application ? std::dynamic_pointer_cast<ContainerWindow>(application->keyWindow()) : nullptr;
   return window ? window->gtkWindow() : nullptr;

@@ -1,9 +1,9 @@
 #include "platforms/gtk/gtk_password_prompt.h"
 
 #include <string>
+#include <utility>
 
-#include "platforms/gtk/container_window.h"
-#include "vantu/platform/platform.h"
+#include "platforms/gtk/gtk_dialog_parts.h"
 
 namespace vantu::gtk {
 namespace {
@@ -32,12 +32,6 @@ struct Prompt {
   }
 };
 
-GtkWindow* containerWindow() {
-  const auto& application = platform().application;
-  auto window = application ? std::dynamic_pointer_cast<ContainerWindow>(application->keyWindow()) : nullptr;
-  return window ? window->gtkWindow() : nullptr;
-}
-
 GtkWidget* wrappedLabel(const std::string& text, const char* cssClass) {
   GtkWidget* label = gtk_label_new(text.c_str());
   gtk_label_set_wrap(GTK_LABEL(label), TRUE);
@@ -53,7 +47,7 @@ std::string trimmed(std::string text) {
 
 void onCancel(GtkWidget*, gpointer prompt) { static_cast<Prompt*>(prompt)->finish(false); }
 void onSubmit(GtkWidget*, gpointer prompt) { static_cast<Prompt*>(prompt)->finish(true); }
-gboolean onCloseRequest(GtkWindow*, gpointer prompt) {
+gboolean onWindowClose(GtkWindow*, gpointer prompt) {
   static_cast<Prompt*>(prompt)->finish(false);
   return TRUE;
 }
@@ -69,7 +63,7 @@ void GtkPasswordPrompt::show(Request request, Answer answer) {
   gtk_window_set_title(d.window, "Authentication required");
   gtk_window_set_modal(d.window, TRUE);
   gtk_window_set_default_size(d.window, 360, -1);
-  if (GtkWindow* parent = containerWindow()) gtk_window_set_transient_for(d.window, parent);
+  if (GtkWindow* parent = parentWindow()) gtk_window_set_transient_for(d.window, parent);
 
   GtkWidget* grid = gtk_grid_new();
   gtk_grid_set_row_spacing(GTK_GRID(grid), 10);
@@ -106,7 +100,7 @@ void GtkPasswordPrompt::show(Request request, Answer answer) {
   g_signal_connect(d.cancelButton, "clicked", G_CALLBACK(onCancel), prompt);
   g_signal_connect(d.okButton, "clicked", G_CALLBACK(onSubmit), prompt);
   g_signal_connect(d.entry, "activate", G_CALLBACK(onSubmit), prompt);
-  g_signal_connect(d.window, "close-request", G_CALLBACK(onCloseRequest), prompt);
+  g_signal_connect(d.window, "close-request", G_CALLBACK(onWindowClose), prompt);
   // The window owns the prompt; a window destroyed from elsewhere cancels.
   g_object_set_data_full(G_OBJECT(d.window), "vantu-password-prompt", prompt, [](gpointer data) {
     auto* gone = static_cast<Prompt*>(data);
