@@ -135,14 +135,15 @@ TEST_F(PageBridgeTest, AnswersOwedToAReplacedOrClosedPageAreDropped) {
 }
 
 TEST_F(PageBridgeTest, AnAnswerGivenOnAnotherThreadReachesThePageFromTheMainQueue) {
-  // Owner authentication answers on the platform's queue; this handler does
-  // the same from a thread of its own.
+  // Owner authentication answers on the platform's queue, possibly while
+  // the process is already taking the platform down; this handler answers
+  // from a thread of its own after the platform is gone.
   struct ElsewhereHandler : H5BaseHandler {
-    void handleWith(H5HandlerInputParams params) override {
-      std::thread([callback = params.callback] { callback(Dict{{"data", "late"}}); }).join();
-    }
+    void handleWith(H5HandlerInputParams params) override { kept = params.callback; }
+    H5Callback kept;
   };
-  registry.add("elsewhere", [] { return std::make_shared<ElsewhereHandler>(); });
+  auto handler = std::make_shared<ElsewhereHandler>();
+  registry.add("elsewhere", [handler] { return handler; });
   std::vector<std::thread::id> evaluatedOn;
   bridge = std::make_unique<PageBridge>(std::shared_ptr<BridgeRegistry>(std::shared_ptr<void>(), &registry),
                                         [&](std::string script) {
@@ -152,6 +153,8 @@ TEST_F(PageBridgeTest, AnAnswerGivenOnAnotherThreadReachesThePageFromTheMainQueu
   bridge->setScreen(device.screen("page"));
   EXPECT_EQ(bridge->receive(R"({"id": 7, "bridge": "elsewhere"})", {true, "https://shop.example/"}),
             Receipt::dispatched);
+  installPlatform(nullptr);
+  std::thread([callback = handler->kept] { callback(Dict{{"data", "late"}}); }).join();
   EXPECT_TRUE(scripts.empty());  // waits for the main queue
   settle();
   EXPECT_EQ(scripts, Strings{R"(window.vantu.__deliver(7,{"data":"late"});)"});

@@ -93,6 +93,7 @@ H5Reachability::H5Reachability(std::shared_ptr<ReachabilityHandle> reachabilityR
     : reachabilityRef_(std::move(reachabilityRef)), queue_(std::move(queue)) {
   auto& p = platform();
   if (!queue_) queue_ = p.dispatch->makeSerialQueue(std::string(kQueueLabel));
+  main_ = p.dispatch->main();
   notificationCenter = p.notificationCenter;
   if (p.device) isRunningOnDevice = p.device->isRunningOnDevice();
 }
@@ -182,7 +183,7 @@ void H5Reachability::flagsChanged(ReachabilityFlags flags) {
     flags_ = flags;
   }
   std::weak_ptr<H5Reachability> weak = weak_from_this();
-  platform().dispatch->main()->async([weak, flags] {
+  main_->async([weak, flags] {
     auto self = weak.lock();
     if (!self) return;
     if (connectionForFlags(flags, self->allowsCellularConnection) != Connection::none) {

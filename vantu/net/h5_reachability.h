@@ -158,6 +158,9 @@ class H5Reachability : public Object, public std::enable_shared_from_this<H5Reac
   std::atomic<bool> notifierRunning_{false};
   std::shared_ptr<ReachabilityHandle> reachabilityRef_;
   std::shared_ptr<SerialQueue> queue_;
+  // Taken at creation: changes arrive on the reachability queue, which may
+  // outlive the installed platform.
+  std::shared_ptr<SerialQueue> main_;
   mutable std::mutex flagsMutex_;  // flags are written on the queue and read on the main queue
   std::optional<ReachabilityFlags> flags_;
 };

@@ -18,12 +18,15 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
   std::function<void(std::int64_t, std::string_view, const Value&)> observe;
   // The page lives on the thread that made the bridge (the main thread).
   // Some handlers answer on a queue of the platform's (owner
-  // authentication); their answers go over to the main queue first.
+  // authentication); their answers go over to the main queue first. The
+  // queue is taken when the bridge is made: a late answer may come while
+  // the process is tearing the platform down.
   std::thread::id pageThread = std::this_thread::get_id();
+  std::shared_ptr<SerialQueue> mainQueue = platform().dispatch->main();
 
   void deliver(std::uint64_t forDocument, std::int64_t id, std::string_view bridge, const Value& answer) {
     if (std::this_thread::get_id() != pageThread) {
-      platform().dispatch->main()->async(
+      mainQueue->async(
           [self = shared_from_this(), forDocument, id, bridge = std::string(bridge), answer] {
             self->deliver(forDocument, id, bridge, answer);
           });
