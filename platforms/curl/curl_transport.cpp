@@ -310,10 +310,12 @@ void CurlTransport::startTransfer(HttpTransfer transfer, Completion completion, 
   {
     std::lock_guard lock(mutex_);
     pending_.push_back(std::move(job));
-    hasPending_.store(true, std::memory_order_release);
+    hasPending_.store(true);
     if (!worker_.joinable()) worker_ = std::thread([this] { run(); });
   }
-  curl_multi_wakeup(static_cast<CURLM*>(multi_));
+  // Pairs with the worker's check of `hasPending_` after it sets `polling_`:
+  // either it sees the job, or this sees it polling.
+  if (polling_.load()) curl_multi_wakeup(static_cast<CURLM*>(multi_));
 }
 
 void CurlTransport::finish(std::unique_ptr<Job> job, HttpTransferResult result, TaskMetrics metrics) {
@@ -325,9 +327,10 @@ void CurlTransport::finish(std::unique_ptr<Job> job, HttpTransferResult result, 
   Task measure = [handler = std::move(job->metrics), metrics] {
     if (handler) handler(metrics);
   };
-  job.reset();  // frees the handle on this thread, before the reports run
+  job->discardFile();  // a failed download's partial file is gone before its report
   // Both reports in one main-queue task (one wake-up of the main thread),
-  // in the order the options give; the work token goes with them.
+  // in the order the options give; the work token goes with them. The
+  // handle is freed here while the main thread reports.
   const bool metricsFirst = metricsOrder_ == MetricsOrder::beforeCompletion;
   main->async([first = metricsFirst ? std::move(measure) : std::move(report),
                last = metricsFirst ? std::move(report) : std::move(measure), work = std::move(work)]() mutable {
@@ -387,7 +390,9 @@ void CurlTransport::run() {
     // whole loopback request, so an idle worker watches for new work a
     // little while before it sleeps.
     if (active.empty() && awaitPending(kIdleWatch)) continue;
-    curl_multi_poll(multi, nullptr, 0, 1000, nullptr);
+    polling_.store(true);
+    if (!hasPending_.load()) curl_multi_poll(multi, nullptr, 0, 1000, nullptr);
+    polling_.store(false);
   }
   for (auto& [easy, job] : active) curl_multi_remove_handle(multi, easy);
 }

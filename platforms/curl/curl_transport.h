@@ -68,6 +68,9 @@ class CurlTransport : public HttpTransport {
   bool stopping_ = false;
   /// Set with each new job, so the worker can watch for one without the lock.
   std::atomic<bool> hasPending_ = false;
+  /// Set while the worker sleeps in libcurl's poll: only then does a new job
+  /// need to wake it (a wake-up costs the worker a round of system calls).
+  std::atomic<bool> polling_ = false;
   void* multi_ = nullptr;  // CURLM*, touched only by the worker after start
   std::thread worker_;
 };
