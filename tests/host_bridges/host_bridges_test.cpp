@@ -1,0 +1,328 @@
+// The host-delegated bridges, called through the registry from the screens of
+// one simulated app whose host delegate each test scripts:
+//   shell (delegate "host", id "mini.shop") > page > frame
+//   bare: nothing attached (the environment still has "envHost"); plainHolder: a plain object, not a delegate
+//   anon: delegate "host", no id;  top (id "mini.top") > l1 > l2 > l3 (delegate "host")
+//   far (delegate "host") > far1 > far2 > far3;  light: delegate "light", unscripted operations use the default
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tests/support/bridge_test_fixture.h"
+#include "vantu/core/vantu_h5_delegate.h"
+#include "vantu/core/view_controller_context.h"
+
+namespace vantu::testing_support {
+namespace {
+
+/// Every bridge of the family with arguments that pass its checks.
+struct FamilyBridge {
+  std::string_view bridge, reportedAs, operation, validData, hostFailed;
+};
+constexpr FamilyBridge kFamily[] = {
+    {"vantuOpenDeeplink", "vantuOpenDeeplink", "openDeeplink", R"({"deeplink": "app://o"})",
+     "Failed Navigation result!"},
+    {"vantuNavigateTo", "vantuNavigateTo", "navigate", R"({"navigateTo": "orders"})", "Failed Navigation result!"},
+    {"vantuLogin", "vantuLogin", "login", R"({"reason": "checkout"})", "failed to login!"},
+    {"vantuLogout", "vantuLogout", "logout", "{}", "failed to logout!"},
+    {"vantuHandleSessionExpiry", "vantuLogout", "handleSessionExpiry", R"({"code": 401})",
+     "failed to handle session expiry!"},
+    {"vantuFetchAuthToken", "vantuFetchAuthToken", "fetchAuthToken", R"({"scope": "pay"})",
+     "failed to fetch access token!"},
+    {"vantuFetchCustomerId", "vantuFetchCustomerId", "getCustomerId", "{}", "failed to fetch customer id!"},
+    {"vantuFetchValuesForKeys", "vantuFetchValuesForKeys", "fetchValuesForKeys", R"({"keys": ["a"]})",
+     "FetchValuesForKeys: Failed to get values for keys!"},
+    {"vantuFetchParamsAgainstKey", "vantuFetchParamsAgainstKey", "fetchParamsAgainstKey", R"({"key": "promo"})",
+     "FetchParamsAgainstKeyHandler: Failed to get data!"},
+    {"vantuAnalyticsTracking", "vantuAnalyticsTracking", "trackCustomEventFor", R"({"event": "open"})",
+     "failed to track Event"},
+};
+
+class HostBridges : public BridgeTestFixture {
+ protected:
+  void SetUp() override {
+    BridgeTestFixture::SetUp();
+    useHost("{}");
+  }
+  /// Re-applies the app with the delegate entries of "host" and "light" and the environment section given.
+  void useHost(std::string_view hostEntry, std::string_view lightEntry = R"({"otherwise": "default"})",
+               std::string_view environment = R"({"delegate": "envHost"})") {
+    apply(R"({"delegates": {"host": )" + std::string(hostEntry) + R"(, "light": )" + std::string(lightEntry) +
+          R"(, "envHost": {}, "plain": {"kind": "object"}}, "environment": )" + std::string(environment) + R"(,
+      "screens": [
+        {"name": "shell", "delegate": "host", "uniqueAppIdentifier": "mini.shop",
+         "children": [{"name": "page", "children": [{"name": "frame"}]}]},
+        {"name": "bare"}, {"name": "plainHolder", "delegate": "plain", "uniqueAppIdentifier": "mini.plain"},
+        {"name": "anon", "delegate": "host"},
+        {"name": "top", "uniqueAppIdentifier": "mini.top",
+         "children": [{"name": "l1", "children": [{"name": "l2", "children": [{"name": "l3", "delegate": "host"}]}]}]},
+        {"name": "far", "delegate": "host",
+         "children": [{"name": "far1", "children": [{"name": "far2", "children": [{"name": "far3"}]}]}]},
+        {"name": "light", "delegate": "light", "uniqueAppIdentifier": "mini.light"}]})");
+    device.takeDelegateCalls();
+  }
+  /// Runs `data` (JSON) through `bridge` from "page" with the host answering `hostAnswer` to everything.
+  CallOutcome callWithHost(const char* bridge, const char* data, const char* hostAnswer) {
+    useHost(std::string(R"({"otherwise": )") + hostAnswer + "}");
+    return call(bridge, data, "page");
+  }
+};
+
+// --- Failures: every one is a flat error with code 2.
+
+TEST_F(HostBridges, WithoutAScreenOrADelegateWithinReachTheHostIsNotAsked) {
+  // "bare" has nothing attached though the environment has a delegate; "plainHolder" no host delegate;
+  // "far3" has its only delegate three levels up.
+  for (const char* screen : {"", "bare", "plainHolder", "far3"}) {
+    for (const auto& b : kFamily) {
+      SCOPED_TRACE(std::string(b.bridge) + " from '" + screen + "'");
+      const bool valuesForKeys = b.bridge == "vantuFetchValuesForKeys";
+      const std::string expected =
+          *screen == '\0' ? (valuesForKeys ? "FetchValuesForKeys: Unable to get current H5 VC"
+                                           : "Unable to get current H5 Context")
+                          : std::string(valuesForKeys ? "FetchValuesForKeys: " : "") +
+                                "Unable to get current H5 Context Listeners";
+      auto out = call(b.bridge, b.validData, screen);
+      EXPECT_EQ(out.answers, Strings{flatError(expected)});
+      EXPECT_TRUE(out.reported.empty());
+      EXPECT_TRUE(out.hostCalls.empty());
+    }
+  }
+}
+
+TEST_F(HostBridges, BadArgumentsAreRefusedAndOnlyValuesForKeysLooksAtTheScreenFirst) {
+  const char* kInvalid = "invalid parameter!";
+  const char* kBadKeys = "FetchValuesForKeys: Invalid keys parameter!";
+  const char* kBadKey = "FetchParamsAgainstKeyHandler: Invalid key parameter!";
+  const struct {
+    const char *bridge, *data, *screen, *message;
+  } cases[] = {
+      {"vantuOpenDeeplink", "{}", "page", kInvalid},
+      {"vantuOpenDeeplink", R"({"deeplink": 42})", "page", kInvalid},
+      {"vantuOpenDeeplink", R"({"deeplink": null})", "", kInvalid},  // arguments before the screen
+      {"vantuNavigateTo", R"({"data": {"id": 1}})", "page", kInvalid},
+      {"vantuNavigateTo", R"({"navigateTo": ["orders"]})", "bare", kInvalid},
+      {"vantuNavigateTo", R"({"navigateTo": "orders", "data": "id=1"})", "page", kInvalid},
+      {"vantuNavigateTo", R"({"navigateTo": "orders", "clearBackStack": "true"})", "page", kInvalid},
+      {"vantuNavigateTo", R"({"navigateTo": "orders", "finishThis": 1})", "", kInvalid},
+      {"vantuFetchParamsAgainstKey", "{}", "page", kBadKey},
+      {"vantuFetchParamsAgainstKey", R"({"key": true})", "", kBadKey},
+      {"vantuFetchParamsAgainstKey", R"({"key": 3})", "plainHolder", kBadKey},
+      {"vantuFetchValuesForKeys", "{}", "page", kBadKeys},
+      {"vantuFetchValuesForKeys", R"({"keys": "a"})", "page", kBadKeys},
+      {"vantuFetchValuesForKeys", R"({"keys": ["a", 2]})", "page", kBadKeys},
+      // Values for keys: the screen and its delegate come before "keys".
+      {"vantuFetchValuesForKeys", "{}", "", "FetchValuesForKeys: Unable to get current H5 VC"},
+      {"vantuFetchValuesForKeys", "{}", "bare", "FetchValuesForKeys: Unable to get current H5 Context Listeners"},
+      {"vantuFetchValuesForKeys", R"({"keys": 5})", "plainHolder",
+       "FetchValuesForKeys: Unable to get current H5 Context Listeners"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.bridge) + " " + c.data + " from '" + c.screen + "'");
+    auto out = call(c.bridge, c.data, c.screen);
+    EXPECT_EQ(out.answers, Strings{flatError(c.message)});
+    EXPECT_TRUE(out.hostCalls.empty());
+    // Reported before the arguments are read, whenever there is someone to report to.
+    EXPECT_EQ(out.reported, std::string_view(c.screen) == "page" ? Strings{c.bridge} : Strings{});
+  }
+}
+
+TEST_F(HostBridges, EachBridgeAsksTheHostOnceAndAnswersWhenItDoesWithAFixedMessageForFailure) {
+  // Neither a failing host's error nor its value reaches the page.
+  const char* hostAnswers[] = {
+      R"({"success": false, "error": {"domain": "Host", "code": 9, "message": "service down"}, "value": "x"})",
+      R"({"success": false, "value": [1, 2]})",
+      R"({"value": "later", "after": 2})",
+  };
+  for (const char* hostAnswer : hostAnswers) {
+    useHost(std::string(R"({"otherwise": )") + hostAnswer + "}");
+    const bool late = hostAnswer == hostAnswers[2];
+    for (const auto& b : kFamily) {
+      SCOPED_TRACE(std::string(b.bridge) + " answered " + hostAnswer);
+      auto out = call(b.bridge, b.validData, "frame");  // the delegate sits on the grandparent
+      EXPECT_EQ(out.reported, Strings{std::string(b.reportedAs)});
+      ASSERT_EQ(out.hostCalls.size(), 1u);
+      EXPECT_NE(out.hostCalls[0].find(R"("delegate":"host","operation":")" + std::string(b.operation) + "\""),
+                std::string::npos);
+      if (!late) {
+        EXPECT_EQ(out.answers, Strings{flatError(b.hostFailed)});
+        continue;
+      }
+      EXPECT_TRUE(out.answers.empty());
+      EXPECT_TRUE(advance(1.5).answers.empty());
+      EXPECT_EQ(advance(0.5).answers.size(), 1u);
+    }
+  }
+}
+
+// --- Success: each bridge's payload and answer shape.
+
+TEST_F(HostBridges, EachBridgePassesItsArgumentsAndAnswersInItsOwnShape) {
+  const struct {
+    const char *bridge, *data, *hostAnswer;
+    const char* hostCall;  // operation and arguments as the host received them
+    Strings answers;
+  } cases[] = {
+      {"vantuOpenDeeplink", R"({"deeplink": "app://orders/7", "x": 1})", R"({"value": "opened"})",
+       R"("openDeeplink","arguments":{"deeplink":"app://orders/7"})", {R"({"data":{"success":true}})"}},
+      {"vantuNavigateTo", R"({"navigateTo": "orders", "data": {"id": 7}, "clearBackStack": true, "finishThis": false})",
+       R"({"value": {"opened": "orders"}})",
+       R"("navigate","arguments":{"to":"orders","data":{"id":7},"clearBackStack":true,"finishThis":false})",
+       {R"({"success":true,"data":{"opened":"orders"}})"}},
+      // Optional navigation arguments: missing or null means absent and false.
+      {"vantuNavigateTo", R"({"navigateTo": "", "data": null, "clearBackStack": null, "finishThis": true})", "{}",
+       R"("navigate","arguments":{"to":"","data":null,"clearBackStack":false,"finishThis":true})",
+       {R"({"success":true,"data":null})"}},
+      {"vantuLogin", R"({"b": 1, "a": [true, null], "h5_uaid_caller": "kept"})", R"({"value": "hi"})",
+       R"("login","arguments":{"data":{"b":1,"a":[true,null],"h5_uaid_caller":"kept"}})",
+       {R"({"data":{"success":true}})"}},
+      {"vantuHandleSessionExpiry", R"({"code": 401})", "{}",
+       R"("handleSessionExpiry","arguments":{"data":{"code":401}})", {R"({"data":{"success":true}})"}},
+      // The customer id is answered as it is, unwrapped (runner case 10 pins a string).
+      {"vantuFetchCustomerId", R"({"x": 1})", "{}", R"("getCustomerId","arguments":{})", {"null"}},
+      {"vantuFetchValuesForKeys", R"({"keys": ["a", "b"]})", R"({"value": {"a": 1}})",
+       R"("fetchValuesForKeys","arguments":{"keys":["a","b"]})", {R"({"data":{"a":1}})"}},
+      {"vantuFetchParamsAgainstKey", R"({"key": "promo"})", R"({"value": {"code": "X"}})",
+       R"("fetchParamsAgainstKey","arguments":{"key":"promo"})", {R"({"success":true,"data":{"code":"X"}})"}},
+      // The key lookups answer [] when the host gave no value, but pass a given null on.
+      {"vantuFetchValuesForKeys", R"({"keys": []})", "{}", R"("fetchValuesForKeys","arguments":{"keys":[]})",
+       {R"({"data":[]})"}},
+      {"vantuFetchParamsAgainstKey", R"({"key": ""})", "{}", R"("fetchParamsAgainstKey","arguments":{"key":""})",
+       {R"({"success":true,"data":[]})"}},
+      {"vantuFetchValuesForKeys", R"({"keys": ["a"]})", R"({"value": null})",
+       R"("fetchValuesForKeys","arguments":{"keys":["a"]})", {R"({"data":null})"}},
+      {"vantuAnalyticsTracking", R"({"event": "open", "n": 1})", R"({"value": "seen"})",
+       R"("trackCustomEventFor","arguments":{"variables":{"event":"open","n":1}})",
+       {R"({"success":true,"data":"seen"})"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.bridge) + " " + c.data + " answered " + c.hostAnswer);
+    auto out = callWithHost(c.bridge, c.data, c.hostAnswer);
+    EXPECT_EQ(out.answers, c.answers);
+    EXPECT_EQ(out.hostCalls, Strings{std::string(R"({"delegate":"host","operation":)") + c.hostCall + "}"});
+  }
+}
+
+TEST_F(HostBridges, TheTokenRequestNamesTheCallingScreensAppOnlyAndAnswersADictionaryTwice) {
+  const struct {
+    const char *screen, *data, *sent;
+  } callers[] = {
+      // A page's own value is overwritten where it stands...
+      {"page", R"({"h5_uaid_caller": "mini.bank", "scope": "pay"})", R"({"h5_uaid_caller":"mini.shop","scope":"pay"})"},
+      {"frame", R"({"h5_uaid_caller": 7})", R"({"h5_uaid_caller":"mini.shop"})"},
+      // ...or removed when no id is attached within two levels.
+      {"anon", R"({"scope": "pay", "h5_uaid_caller": "mini.bank"})", R"({"scope":"pay"})"},
+      {"l3", R"({"h5_uaid_caller": "mini.top"})", R"({})"},
+  };
+  for (const auto& c : callers) {
+    SCOPED_TRACE(std::string(c.screen) + " " + c.data);
+    auto out = call("vantuFetchAuthToken", c.data, c.screen);
+    const std::string sent = R"({"delegate":"host","operation":"fetchAuthToken","arguments":{"data":)";
+    EXPECT_EQ(out.hostCalls, Strings{sent + c.sent + "}}"});
+    EXPECT_EQ(out.answers, Strings{R"({"success":true,"data":null})"});
+  }
+  // A dictionary token is answered first as it stands, then wrapped (or as the failure).
+  const std::string failed = flatError("failed to fetch access token!");
+  const struct {
+    const char* hostAnswer;
+    Strings answers;
+  } tokens[] = {
+      {R"({"value": {"token": "t1", "ttl": 60}})",
+       {R"({"token":"t1","ttl":60})", R"({"success":true,"data":{"token":"t1","ttl":60}})"}},
+      {R"({"value": {}})", {"{}", R"({"success":true,"data":{}})"}},
+      {R"({"success": false, "value": {"token": "stale"}})", {R"({"token":"stale"})", failed}},
+      {R"({"value": ["t3"]})", {R"({"success":true,"data":["t3"]})"}},
+      {R"({"success": false})", {failed}},
+  };
+  for (const auto& t : tokens) {
+    SCOPED_TRACE(t.hostAnswer);
+    EXPECT_EQ(callWithHost("vantuFetchAuthToken", "{}", t.hostAnswer).answers, t.answers);
+  }
+}
+
+/// A host in native code, which can use keys that no page can send.
+class NativeHost : public VantuH5Delegate {
+ public:
+  Value token;
+  std::vector<Dict> received;
+  void fetchAuthToken(Dict data, DelegateHandler handler) override { answer(std::move(data), handler, token); }
+  void login(Dict data, DelegateHandler handler) override { answer(std::move(data), handler, std::nullopt); }
+  void trackCustomEventFor(Dict variables, DelegateHandler handler) override {
+    if (variables.getString("event_action") == "Bridge Analytics") return handler(true, std::nullopt, std::nullopt);
+    answer(std::move(variables), handler, std::nullopt);
+  }
+
+ private:
+  void answer(Dict data, const DelegateHandler& handler, std::optional<Value> value) {
+    received.push_back(std::move(data));
+    handler(true, std::nullopt, std::move(value));
+  }
+};
+
+TEST_F(HostBridges, NonStringKeysPassThroughAndDoNotMakeATokenDictionary) {
+  auto host = std::make_shared<NativeHost>();
+  setVH5ViewControllerDelegate(*device.screen("bare"), host);
+  const Dict data{{"z", 1}, {3, "three"}, {true, Array{1, "x"}}, {"h5_uaid_caller", "mine"}};
+  for (const char* bridge : {"vantuLogin", "vantuAnalyticsTracking"}) {
+    SCOPED_TRACE(bridge);
+    host->received.clear();
+    EXPECT_EQ(call(bridge, data, "bare").answers.size(), 1u);
+    ASSERT_EQ(host->received.size(), 1u);
+    EXPECT_TRUE(host->received[0] == data) << json::write(host->received[0]);
+  }
+  host->received.clear();
+  host->token = Dict{{"token", "t1"}, {7, "seven"}};
+  EXPECT_EQ(call("vantuFetchAuthToken", data, "bare").answers,
+            Strings{R"({"success":true,"data":{"token":"t1","7":"seven"}})"});
+  ASSERT_EQ(host->received.size(), 1u);
+  EXPECT_TRUE(host->received[0] == (Dict{{"z", 1}, {3, "three"}, {true, Array{1, "x"}}}))
+      << json::write(host->received[0]);
+}
+
+// --- Over time and through the registry.
+
+TEST_F(HostBridges, OnlyLoginAnswersNothingOnceItsHandlerIsGone) {
+  // The answers with the handlers kept are pinned by the late-answer test above.
+  useHost(R"({"otherwise": {"after": 1}})");
+  for (const char* bridge : {"vantuLogin", "vantuLogout", "vantuHandleSessionExpiry"}) {
+    SCOPED_TRACE(bridge);
+    std::weak_ptr<H5BaseHandler> handler = registry.handlerFor(bridge);
+    EXPECT_EQ(call(bridge, "{}", "page").hostCalls.size(), 1u);
+    registry.releaseHandlers();
+    EXPECT_TRUE(handler.expired());  // the pending host answer does not keep it alive
+    EXPECT_EQ(advance(1).answers, bridge == std::string_view("vantuLogin") ? Strings{}
+                                                                            : Strings{R"({"data":{"success":true}})"});
+  }
+}
+
+TEST_F(HostBridges, ALightScreenDelegateLeavesTheRestToTheEnvironmentsDelegate) {
+  const char* kEnvHost = R"({"delegate": "envHost"})";
+  const struct {
+    const char *bridge, *data, *environment;
+    Strings answers, hostCalls;
+  } cases[] = {
+      {"vantuLogin", R"({"u": 1})", kEnvHost, {R"({"data":{"success":true}})"},
+       {R"({"delegate":"envHost","operation":"login","arguments":{"data":{"u":1}}})"}},
+      {"vantuFetchAuthToken", "{}", kEnvHost, {R"({"success":true,"data":null})"},
+       {R"({"delegate":"envHost","operation":"fetchAuthToken",)"
+        R"("arguments":{"data":{"h5_uaid_caller":"mini.light"}}})"}},
+      {"vantuOpenDeeplink", R"({"deeplink": "app://x"})", "null", {flatError("Failed Navigation result!")}, {}},
+      // The two value lookups never forward, even to a full environment delegate.
+      {"vantuFetchValuesForKeys", R"({"keys": ["a"]})", kEnvHost,
+       {flatError("FetchValuesForKeys: Failed to get values for keys!")}, {}},
+      {"vantuFetchParamsAgainstKey", R"({"key": "a"})", kEnvHost,
+       {flatError("FetchParamsAgainstKeyHandler: Failed to get data!")}, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.bridge) + " with environment " + c.environment);
+    useHost("{}", R"({"answers": {"trackCustomEventFor": {}}, "otherwise": "default"})", c.environment);
+    auto out = call(c.bridge, c.data, "light");
+    EXPECT_EQ(out.answers, c.answers);
+    EXPECT_EQ(out.hostCalls, c.hostCalls);
+    EXPECT_EQ(out.reported, Strings{c.bridge});
+  }
+}
+
+}  // namespace
+}  // namespace vantu::testing_support
