@@ -1,5 +1,4 @@
-// The access tracker and the data store on the real SQLite store: reading,
-// writing, removing, tracking, migration and clearing.
+// The access tracker and the data store on the real SQLite store, with migration and clearing.
 
 #include "tests/storage/storage_fixture.h"
 #include "vantu/core/laizaxlu.h"
@@ -8,31 +7,29 @@
 namespace vantu::testing_support {
 namespace {
 
-using Strings = std::vector<std::string>;
+UserDefaultsAccessTracker tracker() {
+  return UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)};
+}
 
-class AccessTracker : public StorageFixture {};
+using AccessTracker = StorageFixture;
 
 TEST_F(AccessTracker, ListsNewAndOldNamesAndClearsEveryNameWithAnUnderscore) {
-  UserDefaultsAccessTracker tracker{std::string(UserDefaultsAccessTracker::kSuiteName)};
-  tracker.trackAccessFor("x_flh5");
-  tracker.trackAccessFor("abc_1");
-  tracker.trackAccessFor("plain");
-  tracker.trackAccessFor("abc_1");
-  EXPECT_EQ(tracker.getAllDomainsNew(), Strings{"x_flh5"});
-  EXPECT_EQ(tracker.getAllDomainsOld(), (Strings{"abc_1", "x_flh5"}));
-  EXPECT_EQ(tracker.getAllKeysIncludingMeta(), (Strings{"abc_1", "plain", "x_flh5"}));
-  tracker.clearDomains();
-  EXPECT_EQ(tracker.getAllKeysIncludingMeta(), Strings{"plain"});
+  auto t = tracker();
+  for (auto name : {"x_flh5", "abc_1", "plain", "abc_1"}) t.trackAccessFor(name);
+  EXPECT_EQ(t.getAllDomainsNew(), Strings{"x_flh5"});
+  EXPECT_EQ(t.getAllDomainsOld(), (Strings{"abc_1", "x_flh5"}));
+  EXPECT_EQ(t.getAllKeysIncludingMeta(), (Strings{"abc_1", "plain", "x_flh5"}));
+  t.clearDomains();
+  EXPECT_EQ(t.getAllKeysIncludingMeta(), Strings{"plain"});
   EXPECT_EQ(*suite("_bedhjwbde33_Access_Tracking")->get("plain").value(), PreferenceValue(true));
 }
 
 TEST_F(AccessTracker, IsInertWhenItsSuiteCannotBeOpened) {
-  UserDefaultsAccessTracker tracker{""};  // a name the store refuses
-  tracker.trackAccessFor("x_flh5");
-  EXPECT_TRUE(tracker.getAllDomainsOld().empty());
-  EXPECT_TRUE(tracker.getAllDomainsNew().empty());
-  tracker.clearDomains();
-  EXPECT_EQ(tracker.userDefaults(), nullptr);
+  UserDefaultsAccessTracker t{""};  // a name the store refuses
+  t.trackAccessFor("x_flh5");
+  EXPECT_TRUE(t.getAllDomainsOld().empty() && t.getAllDomainsNew().empty());
+  t.clearDomains();
+  EXPECT_EQ(t.userDefaults(), nullptr);
 }
 
 class DataStore : public StorageFixture {
@@ -41,37 +38,27 @@ class DataStore : public StorageFixture {
   Strings tracked() { return keysOf(std::string(UserDefaultsAccessTracker::kSuiteName)); }
 };
 
-TEST_F(DataStore, AMissingKeyReadsAsEmptyTextAndEveryReadIsTracked) {
-  ASSERT_TRUE(save(app1, Dict{{"a", 1}}).success);
-  auto got = get(app1, {"a", "b", "a"});
-  EXPECT_TRUE(got.calls == 1 && got.success && !got.error);
-  EXPECT_EQ(got.result, (Dict{{"data", Dict{{"a", 1}, {"b", ""}}}}));
-
-  auto empty = sandboxDomainName("never.saved");
-  EXPECT_TRUE(get(empty, {"k"}).success);
-  EXPECT_EQ(tracked(), (Strings{std::min(app1, empty), std::max(app1, empty)}));
-}
-
-TEST_F(DataStore, SavedValuesKeepTheirKindsThroughTheStore) {
+TEST_F(DataStore, ReadsBackEveryKindDatesAsIsoTextAndMissingKeysAsEmptyText) {
   Dict data{{"s", "text"}, {"i", 1}, {"d", 1.0}, {"b", true}, {"n", nullptr}, {"bytes", Bytes{{1, 2}}},
             {"arr", Array{1, "1", 1.5, false}}, {"obj", Dict{{"z", 1}, {"a", Dict{{"q", Array{}}}}}}};
   ASSERT_TRUE(save(app1, data).success);
-  auto got = get(app1, {"s", "i", "d", "b", "n", "bytes", "arr", "obj"});
-  ASSERT_TRUE(got.success);
-  EXPECT_EQ(*got.result.getDict("data"), data);  // Value equality tells 1 from 1.0
+  ASSERT_TRUE(suite(app1)->set("when", PreferenceDate{1714552200.25}).ok());  // as native code stores dates
+  auto got = get(app1, {"s", "i", "d", "b", "n", "bytes", "arr", "obj", "when", "missing", "s"});
+  EXPECT_TRUE(got.calls == 1 && got.success && !got.error);
+  data.set("when", "2024-05-01T08:30:00.250Z");
+  data.set("missing", "");
+  EXPECT_EQ(got.result, (Dict{{"data", data}}));  // Value equality tells 1 from 1.0
 }
 
-TEST_F(DataStore, DatesStoredByNativeCodeReadAsIsoText) {
-  ASSERT_TRUE(suite(app1)->set("when", PreferenceDate{1714552200.25}).ok());
-  EXPECT_EQ(get(app1, {"when"}).result, (Dict{{"data", Dict{{"when", "2024-05-01T08:30:00.250Z"}}}}));
-}
-
-TEST_F(DataStore, SavingNothingSucceedsAndTracksAndRemovingAnAbsentKeySucceeds) {
+TEST_F(DataStore, EveryOperationTracksItsDomainEvenWithNothingToDo) {
+  const std::string other = sandboxDomainName("other"), never = sandboxDomainName("never.saved");
   auto saved = save(app1, Dict{});
   EXPECT_TRUE(saved.calls == 1 && saved.success);
-  EXPECT_EQ(tracked(), Strings{app1});
-  EXPECT_TRUE(remove(sandboxDomainName("other"), {"never-set"}).success);
-  EXPECT_EQ(tracked().size(), 2u);
+  EXPECT_TRUE(remove(other, {"never-set"}).success);
+  EXPECT_TRUE(get(never, {"k"}).success);
+  Strings all{app1, other, never};
+  std::sort(all.begin(), all.end());
+  EXPECT_EQ(tracked(), all);
 }
 
 TEST_F(DataStore, OperationsRunInSubmissionOrder) {
@@ -113,16 +100,10 @@ TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreError) {
 
 class Migration : public DataStore {
  protected:
-  void migrate() {
-    Laizaxlu::shared().performSandboxMigration();
-    settle();
-  }
-  void oldDomain(const std::string& name, Dict values) {
-    PreferenceValue::Map entries;
-    for (const auto& [key, value] : values) entries.emplace_back(*key.string(), PreferenceValue::fromValue(value));
-    ASSERT_TRUE(suite(name)->set(std::move(entries)).ok());
-    UserDefaultsAccessTracker tracker{std::string(UserDefaultsAccessTracker::kSuiteName)};
-    tracker.trackAccessFor(name);
+  void migrate() { Laizaxlu::shared().performSandboxMigration(), settle(); }
+  void oldDomain(const std::string& name, PreferenceValue::Map values) {
+    ASSERT_TRUE(suite(name)->set(std::move(values)).ok());
+    tracker().trackAccessFor(name);
   }
   bool flagSet() {
     auto flag = preferences().standard()->get("h5_data_snd_box_mig");
@@ -130,31 +111,34 @@ class Migration : public DataStore {
   }
 };
 
-TEST_F(Migration, MovesAnUnlistedOldDomainToTheAppIdBeforeTheFirstUnderscore) {
-  oldDomain("abc_xyz", Dict{{"k", "v"}, {"n", 2}});
-  oldDomain("_xyz", Dict{{"k", "skipped"}});
-  migrate();
+// One run moves each tracked old domain by its own rule.
+TEST_F(Migration, MovesOldDomainsByTheWhitelistOrTheAppIdBeforeTheFirstUnderscoreOverwritingKeys) {
+  Laizaxlu::shared().setupWhiteListAppData({{"shop.app", "shop_domain"}, {"other", "x"}});
+  oldDomain("shop_domain", {{"k", 1}});
   auto target = sandboxDomainName("abc");
-  EXPECT_EQ(get(target, {"k", "n"}).result, (Dict{{"data", Dict{{"k", "v"}, {"n", 2}}}}));
+  ASSERT_TRUE(suite(target)->set(PreferenceValue::Map{{"k", "new"}, {"keep", 1}}).ok());  // not tracked
+  oldDomain("abc_xyz", {{"k", "v"}, {"n", 2}});
+  oldDomain("_xyz", {{"k", "skipped"}});
+  // A tracked hashed name is taken for an old one too, and moved to the hash of its digits.
+  auto hashed = sandboxDomainName("early.app");
+  ASSERT_TRUE(save(hashed, Dict{{"k", 1}}).success);
+  migrate();
+  EXPECT_EQ(keysOf(sandboxDomainName("shop.app")), Strings{"k"});
+  EXPECT_TRUE(keysOf(sandboxDomainName("shop")).empty());
+  EXPECT_EQ(get(target, {"k", "n", "keep"}).result, (Dict{{"data", Dict{{"k", "v"}, {"n", 2}, {"keep", 1}}}}));
   EXPECT_TRUE(keysOf("abc_xyz").empty());
   EXPECT_EQ(keysOf("_xyz"), Strings{"k"});
+  EXPECT_TRUE(keysOf(hashed).empty());
+  EXPECT_EQ(keysOf(sandboxDomainName(hashed.substr(0, 40))), Strings{"k"});
   auto names = tracked();
   auto times = [&](const std::string& n) { return std::count(names.begin(), names.end(), n); };
   EXPECT_EQ((std::vector{times("abc_xyz"), times(target), times("_xyz")}), (std::vector<std::ptrdiff_t>{0, 1, 1}));
   EXPECT_TRUE(flagSet());
 }
 
-TEST_F(Migration, UsesTheWhitelistReverseIndexWhenItKnowsTheName) {
-  Laizaxlu::shared().setupWhiteListAppData({{"shop.app", "shop_domain"}, {"other", "x"}});
-  oldDomain("shop_domain", Dict{{"k", 1}});
-  migrate();
-  EXPECT_EQ(keysOf(sandboxDomainName("shop.app")), Strings{"k"});
-  EXPECT_TRUE(keysOf(sandboxDomainName("shop")).empty());
-}
-
-TEST_F(Migration, RunsOnceAndNotAtAllWhenTheFlagIsAlreadySet) {
+TEST_F(Migration, DoesNothingWhenTheStoredFlagIsAlreadySet) {
   ASSERT_TRUE(preferences().standard()->set("h5_data_snd_box_mig", true).ok());
-  oldDomain("abc_xyz", Dict{{"k", "v"}});
+  oldDomain("abc_xyz", {{"k", "v"}});
   migrate();
   EXPECT_EQ(keysOf("abc_xyz"), Strings{"k"});
   EXPECT_TRUE(keysOf(sandboxDomainName("abc")).empty());
@@ -163,25 +147,9 @@ TEST_F(Migration, RunsOnceAndNotAtAllWhenTheFlagIsAlreadySet) {
 TEST_F(Migration, SetsTheFlagWithNothingToMoveAndDoesNotMoveLaterDomains) {
   migrate();
   EXPECT_TRUE(flagSet());
-  oldDomain("late_one", Dict{{"k", 1}});
+  oldDomain("late_one", {{"k", 1}});
   migrate();
   EXPECT_EQ(keysOf("late_one"), Strings{"k"});
-}
-
-TEST_F(Migration, OverwritesKeysTheNewDomainAlreadyHas) {
-  // Written without tracking (tracked hashed names are migrated too, below).
-  ASSERT_TRUE(suite(sandboxDomainName("abc"))->set(PreferenceValue::Map{{"k", "new"}, {"keep", 1}}).ok());
-  oldDomain("abc_old", Dict{{"k", "old"}});
-  migrate();
-  EXPECT_EQ(get(sandboxDomainName("abc"), {"k", "keep"}).result, (Dict{{"data", Dict{{"k", "old"}, {"keep", 1}}}}));
-}
-
-TEST_F(Migration, ATrackedHashedDomainIsTakenForAnOldOneAndMovedToTheHashOfItsDigits) {
-  auto hashed = sandboxDomainName("early.app");
-  ASSERT_TRUE(save(hashed, Dict{{"k", 1}}).success);
-  migrate();
-  EXPECT_TRUE(keysOf(hashed).empty());
-  EXPECT_EQ(keysOf(sandboxDomainName(hashed.substr(0, 40))), Strings{"k"});
 }
 
 class Clearing : public DataStore {
@@ -190,31 +158,26 @@ class Clearing : public DataStore {
   void clear(std::optional<Dict> exempt) { Laizaxlu::shared().clearAppSandbox(std::move(exempt)), settle(); }
 };
 
-TEST_F(Clearing, KeepsExemptedDataButForgetsEveryTrackedDomain) {
+TEST_F(Clearing, KeepsExemptedUntrackedAndOldStyleDataButForgetsEveryTrackedDomain) {
   for (auto id : {"app1", "app2", "app3"}) ASSERT_TRUE(save(sandboxDomainName(id), Dict{{"k", id}}).success);
-  UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_name");
+  ASSERT_TRUE(suite("legacy_domain")->set("k", 1).ok());
+  tracker().trackAccessFor("legacy_domain");
+  ASSERT_TRUE(suite(sandboxDomainName("untracked"))->set("k", 1).ok());
+  const std::string kept[] = {sandboxDomainName("app1"), "legacy_domain", sandboxDomainName("untracked")};
+  auto allKept = [&] { for (const auto& domain : kept) EXPECT_EQ(keysOf(domain), Strings{"k"}) << domain; };
   clear(Dict{{"app1", "ignored value"}});
-  EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
+  allKept();
   EXPECT_TRUE(keysOf(sandboxDomainName("app2")).empty() && keysOf(sandboxDomainName("app3")).empty());
   EXPECT_TRUE(tracked().empty());
 
-  // Untracked now, app1's data survives the next full clearing...
+  // Untracked now, app1's data survives the next full clearing, as does tracked old-style data...
+  tracker().trackAccessFor("legacy_domain");
   clear();
-  EXPECT_EQ(keysOf(sandboxDomainName("app1")), Strings{"k"});
+  allKept();
   // ...until the page touches it again.
   get(sandboxDomainName("app1"), {"k"});
   clear(std::nullopt);
   EXPECT_TRUE(keysOf(sandboxDomainName("app1")).empty());
-}
-
-TEST_F(Clearing, LeavesUntrackedAndOldStyleDataOnDisk) {
-  ASSERT_TRUE(suite("legacy_domain")->set("k", 1).ok());
-  UserDefaultsAccessTracker{std::string(UserDefaultsAccessTracker::kSuiteName)}.trackAccessFor("legacy_domain");
-  ASSERT_TRUE(suite(sandboxDomainName("untracked"))->set("k", 1).ok());
-  clear();
-  EXPECT_EQ(keysOf("legacy_domain"), Strings{"k"});
-  EXPECT_EQ(keysOf(sandboxDomainName("untracked")), Strings{"k"});
-  EXPECT_TRUE(tracked().empty());
 }
 
 }  // namespace

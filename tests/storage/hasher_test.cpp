@@ -8,7 +8,7 @@
 namespace vantu {
 namespace {
 
-TEST(SecureStringHasher, MatchesThePublishedSha1VectorsAndHashesUtf8BytesIncludingNul) {
+TEST(SecureStringHasher, MatchesTheSha1VectorsHashesEveryByteAndSaltsSandboxNames) {
   const std::pair<std::string, const char*> cases[] = {
       {"", "da39a3ee5e6b4b0d3255bfef95601890afd80709"}, {"abc", "a9993e364706816aba3e25717850c26c9cd0d89d"},
       {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
@@ -20,9 +20,7 @@ TEST(SecureStringHasher, MatchesThePublishedSha1VectorsAndHashesUtf8BytesIncludi
   const std::string withNul("a\0b", 3);
   EXPECT_NE(SecureStringHasher::hexSHA1(withNul), SecureStringHasher::hexSHA1("a"));
   EXPECT_NE(SecureStringHasher::hexSHA1(withNul), SecureStringHasher::hexSHA1("ab"));
-}
-
-TEST(SandboxDomainName, IsTheSaltedHashFollowedByTheMarker) {
+  // Sandbox domain names are the salted hash followed by the marker.
   EXPECT_EQ(sandboxDomainName("app1"), "d7e1846715332e51421237a7a34f33ccf7bb97db_flh5");
   EXPECT_EQ(sandboxDomainName("app1"), SecureStringHasher::hexSHA1("kwbalsam_app1_kwtundra") + "_flh5");
   EXPECT_EQ(sandboxDomainName(""), SecureStringHasher::hexSHA1("kwbalsam__kwtundra") + "_flh5");

@@ -1,5 +1,4 @@
-// The SQLite preferences store itself: kinds, order, names, domains,
-// damaged and unreachable databases.
+// The SQLite preferences store itself: kinds, order, names, domains, damaged and unreachable databases.
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -14,18 +13,13 @@
 namespace vantu::store {
 namespace {
 
-class TempDir {
- public:
-  TempDir() {
+struct TempDir {
+  std::filesystem::path path = [] {
     std::string pattern = (std::filesystem::temp_directory_path() / "vantu-store-test-XXXXXX").string();
     EXPECT_NE(mkdtemp(pattern.data()), nullptr);
-    path = pattern;
-  }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-  std::filesystem::path path;
+    return pattern;
+  }();
+  ~TempDir() { std::error_code ignored; std::filesystem::remove_all(path, ignored); }
 };
 
 struct Store {
@@ -68,6 +62,8 @@ TEST(SqlitePreferences, EveryKindComesBackAsTheSameKindAfterReopening) {
     auto suite = store.prefs.suite("kinds");
     ASSERT_TRUE(suite);
     for (const auto& [key, value] : values) ASSERT_TRUE(suite->set(key, value).ok()) << key;
+    const double nan = std::numeric_limits<double>::quiet_NaN();  // unequal to itself, so checked apart
+    ASSERT_TRUE(suite->set(PreferenceValue::Map{{"nan", nan}, {"nanInList", PreferenceValue::List{nan}}}).ok());
     ASSERT_TRUE(suite->synchronize().ok());
   }
   Store store(dir.path);
@@ -80,54 +76,27 @@ TEST(SqlitePreferences, EveryKindComesBackAsTheSameKindAfterReopening) {
     EXPECT_EQ(*read.value(), value) << key;
   }
   EXPECT_TRUE(std::signbit(*suite->get("negZero").value()->asDouble()));
+  auto nan = suite->get("nan").value();
+  auto nanInList = suite->get("nanInList").value();
+  ASSERT_TRUE(nan && nan->asDouble() && nanInList && nanInList->asList());
+  EXPECT_TRUE(std::isnan(*nan->asDouble()) && std::isnan(*nanInList->asList()->front().asDouble()));
   EXPECT_TRUE(store.logged.empty());
 }
 
-TEST_F(SqlitePreferencesTest, NaNIsKeptAsADoubleAtTopLevelAndNested) {
-  auto suite = store.prefs.suite("nan");
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  ASSERT_TRUE(suite->set(PreferenceValue::Map{{"top", nan}, {"inList", PreferenceValue(PreferenceValue::List{PreferenceValue(nan)})}}).ok());
-  auto top = suite->get("top").value();
-  auto inList = suite->get("inList").value();
-  ASSERT_TRUE(top && top->asDouble() && inList && inList->asList());
-  EXPECT_TRUE(std::isnan(*top->asDouble()) && std::isnan(*inList->asList()->front().asDouble()));
-}
-
-TEST_F(SqlitePreferencesTest, DictionaryRepresentationIsInByteOrderAndSuitesAreApart) {
-  auto a = store.prefs.suite("a");
-  auto b = store.prefs.suite("A");
-  ASSERT_TRUE(a->set(PreferenceValue::Map{{"b", 2}, {"a", 1}, {"B", 3}, {"é", 4}, {"", 5}}).ok());
-  ASSERT_TRUE(b->set("only", "b").ok());
-  auto all = a->dictionaryRepresentation();
+TEST_F(SqlitePreferencesTest, KeysAndTheDictionaryRepresentationAreInByteOrder) {
+  auto suite = store.prefs.suite("a");
+  ASSERT_TRUE(suite->set(PreferenceValue::Map{{"b", 2}, {"a", 1}, {"B", 3}, {"é", 4}, {"", 5}}).ok());
+  auto all = suite->dictionaryRepresentation();
   ASSERT_TRUE(all.ok());
   std::vector<std::string> keys;
   for (const auto& [key, value] : all.value()) keys.push_back(key);
   EXPECT_EQ(keys, (std::vector<std::string>{"", "B", "a", "b", "é"}));
-  EXPECT_EQ(a->keys().value(), keys);
-  EXPECT_EQ(b->keys().value(), std::vector<std::string>{"only"});
-  EXPECT_FALSE(a->get("only").value().has_value());
-  // The standard suite is apart from every named one.
-  ASSERT_TRUE(store.prefs.standard()->set("flag", true).ok());
-  EXPECT_FALSE(a->get("flag").value().has_value());
-  EXPECT_EQ(*store.prefs.standard()->get("flag").value(), PreferenceValue(true));
+  EXPECT_EQ(suite->keys().value(), keys);
 }
 
-TEST_F(SqlitePreferencesTest, ABatchKeepsTheLastValueOfARepeatedKeyAndRemovesTogether) {
+TEST_F(SqlitePreferencesTest, BatchesKeepTheLastOfARepeatedKeyAnswerEveryPositionAndRemoveTogether) {
   auto suite = store.prefs.suite("batch");
-  ASSERT_TRUE(suite->set(PreferenceValue::Map{{"k", 1}, {"k", "two"}, {"x", true}}).ok());
-  EXPECT_EQ(*suite->get("k").value(), PreferenceValue("two"));
-  auto many = suite->get(std::vector<std::string>{"x", "missing", "k"});
-  ASSERT_TRUE(many.ok());
-  ASSERT_EQ(many.value().size(), 3u);
-  EXPECT_EQ(*many.value()[0], PreferenceValue(true));
-  EXPECT_FALSE(many.value()[1].has_value());
-  ASSERT_TRUE(suite->remove(std::vector<std::string>{"k", "never"}).ok());
-  EXPECT_EQ(suite->keys().value(), std::vector<std::string>{"x"});
-}
-
-TEST_F(SqlitePreferencesTest, ALongGetAnswersEveryPositionIncludingRepeatsAndGaps) {
-  auto suite = store.prefs.suite("long");
-  PreferenceValue::Map entries;
+  PreferenceValue::Map entries{{"k4", "first"}};  // k4 comes again below; the last value wins
   for (int i = 0; i < 50; i += 2) entries.emplace_back("k" + std::to_string(i), i);
   ASSERT_TRUE(suite->set(std::move(entries)).ok());
   std::vector<std::string> keys;  // 0..49 twice, so repeats fall in different batches and the same one
@@ -142,22 +111,31 @@ TEST_F(SqlitePreferencesTest, ALongGetAnswersEveryPositionIncludingRepeatsAndGap
     EXPECT_EQ(values.value()[i], n % 2 ? std::nullopt : std::optional(PreferenceValue(n))) << i;
   }
   EXPECT_TRUE(store.prefs.suite("absent")->get(keys).value().size() == keys.size());
+  std::vector<std::string> removed{"never"};
+  for (int i = 0; i < 48; i += 2) removed.push_back("k" + std::to_string(i));
+  ASSERT_TRUE(suite->remove(removed).ok());
+  EXPECT_EQ(suite->keys().value(), std::vector<std::string>{"k48"});
 }
 
-TEST_F(SqlitePreferencesTest, RefusesEmptyOverlongAndNulNamesButTakesEverythingElse) {
+TEST_F(SqlitePreferencesTest, RefusesEmptyOverlongAndNulNamesAndKeepsEveryOtherSuiteApart) {
   EXPECT_FALSE(store.prefs.suite(""));
   EXPECT_FALSE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes + 1, 'x')));
   EXPECT_FALSE(store.prefs.suite(std::string("a\0b", 3)));
   EXPECT_FALSE(store.prefs.removePersistentDomain(""));
-  EXPECT_TRUE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes, 'x')));
-  for (std::string name : {"a/b", "../x", "名前", "_", "with space", "'; DROP TABLE suites; --"}) {
+  const std::string names[] = {"a", "A", "a/b", "../x", "名前", "_", "with space", "'; DROP TABLE suites; --",
+                               std::string(SqlitePreferences::kMaxSuiteNameBytes, 'x')};
+  for (const auto& name : names) {
     auto suite = store.prefs.suite(name);
     ASSERT_TRUE(suite) << name;
-    ASSERT_TRUE(suite->set("k", name).ok()) << name;
+    ASSERT_TRUE(suite->set(name, name).ok()) << name;
   }
-  EXPECT_EQ(*store.prefs.suite("a/b")->get("k").value(), PreferenceValue("a/b"));
-  EXPECT_EQ(*store.prefs.suite("'; DROP TABLE suites; --")->get("k").value(),
-            PreferenceValue("'; DROP TABLE suites; --"));
+  ASSERT_TRUE(store.prefs.standard()->set("standard", true).ok());  // apart from every named suite too
+  for (const auto& name : names) {
+    auto suite = store.prefs.suite(name);
+    EXPECT_EQ(suite->keys().value(), std::vector<std::string>{name});
+    EXPECT_EQ(*suite->get(name).value(), PreferenceValue(name));
+  }
+  EXPECT_EQ(store.prefs.standard()->keys().value(), std::vector<std::string>{"standard"});
 }
 
 TEST_F(SqlitePreferencesTest, RemovingADomainEmptiesItForOpenHandlesAndLeavesOthers) {
@@ -173,33 +151,24 @@ TEST_F(SqlitePreferencesTest, RemovingADomainEmptiesItForOpenHandlesAndLeavesOth
   EXPECT_EQ(store.prefs.suite("gone")->keys().value(), std::vector<std::string>{"again"});
 }
 
-TEST_F(SqlitePreferencesTest, UsesAWriteAheadLog) {
-  ASSERT_TRUE(store.prefs.suite("x")->set("k", 1).ok());
-  sqlite3* db = nullptr;
-  ASSERT_EQ(sqlite3_open_v2(store.prefs.databasePath().c_str(), &db, SQLITE_OPEN_READONLY, nullptr), SQLITE_OK);
-  sqlite3_stmt* stmt = nullptr;
-  ASSERT_EQ(sqlite3_prepare_v2(db, "PRAGMA journal_mode", -1, &stmt, nullptr), SQLITE_OK);
-  ASSERT_EQ(sqlite3_step(stmt), SQLITE_ROW);
-  EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)), "wal");
-  sqlite3_finalize(stmt);
-  sqlite3_close(db);
-}
-
-TEST(SqlitePreferences, AFileThatIsNoDatabaseRefusesSuitesAndLogsOnce) {
+TEST(SqlitePreferences, AFileThatIsNoDatabaseOrADirectoryThatCannotExistRefusesSuitesAndLogsOnce) {
   TempDir dir;
+  std::ofstream(dir.path / "plain-file") << "not a directory";
   {
     std::ofstream garbage(dir.path / std::string(SqlitePreferences::kFileName), std::ios::binary);
     for (int i = 0; i < 4096; ++i) garbage.put(static_cast<char>(i * 7));
   }
-  Store store(dir.path);
-  EXPECT_FALSE(store.prefs.suite("x"));
-  EXPECT_FALSE(store.prefs.standard());
-  EXPECT_FALSE(store.prefs.removePersistentDomain("x"));
-  ASSERT_EQ(store.logged.size(), 1u);
-  EXPECT_NE(store.logged[0].find("preferences.sqlite3"), std::string::npos) << store.logged[0];
+  for (const auto& where : {dir.path, dir.path / "plain-file" / "data"}) {
+    Store store(where);
+    EXPECT_FALSE(store.prefs.suite("x")) << where;
+    EXPECT_FALSE(store.prefs.standard()) << where;
+    EXPECT_FALSE(store.prefs.removePersistentDomain("x")) << where;
+    ASSERT_EQ(store.logged.size(), 1u) << where;
+    EXPECT_NE(store.logged[0].find("preferences.sqlite3"), std::string::npos) << store.logged[0];
+  }
 }
 
-TEST_F(SqlitePreferencesTest, ADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
+TEST_F(SqlitePreferencesTest, WritesAheadToALogAndADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
   auto suite = store.prefs.suite("x");
   PreferenceValue::Map many;
   for (int i = 0; i < 2000; ++i) many.emplace_back("key" + std::to_string(i), std::string(100, 'v'));
@@ -209,6 +178,10 @@ TEST_F(SqlitePreferencesTest, ADatabaseDamagedWhileOpenFailsOperationsWithoutCra
   {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(store.prefs.databasePath().c_str(), &db), SQLITE_OK);
+    std::string journal;
+    auto first = [](void* out, int, char** values, char**) { return *static_cast<std::string*>(out) = values[0], 0; };
+    sqlite3_exec(db, "PRAGMA journal_mode", first, &journal, nullptr);
+    EXPECT_EQ(journal, "wal");
     sqlite3_exec(db, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
     sqlite3_close(db);
     std::fstream file(store.prefs.databasePath(), std::ios::in | std::ios::out | std::ios::binary);
@@ -221,15 +194,6 @@ TEST_F(SqlitePreferencesTest, ADatabaseDamagedWhileOpenFailsOperationsWithoutCra
   EXPECT_TRUE(!damaged || !damaged->dictionaryRepresentation().ok() || !damaged->keys().ok() ||
               !damaged->set("new", 1).ok());
   EXPECT_EQ(fresh.logged.size(), 1u);
-}
-
-TEST(SqlitePreferences, ADirectoryThatCannotExistRefusesSuites) {
-  TempDir dir;
-  std::ofstream(dir.path / "plain-file") << "not a directory";
-  Store store(dir.path / "plain-file" / "data");
-  EXPECT_FALSE(store.prefs.suite("x"));
-  EXPECT_FALSE(store.prefs.standard());
-  EXPECT_EQ(store.logged.size(), 1u);
 }
 
 TEST(SqlitePreferences, DecoderRejectsTruncatedTrailingAndUnknownBytes) {

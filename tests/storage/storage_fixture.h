@@ -1,25 +1,18 @@
 #pragma once
-// Storage tests run on the simulated device (virtual dispatch) with the
-// real SQLite preferences store in a fresh temporary directory.
+// Storage tests: the simulated device with the real SQLite preferences store in a fresh temporary directory.
 
-#include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
 namespace vantu {
-
-// Readable failure messages for values.
 inline void PrintTo(const Value& value, std::ostream* os) { *os << json::write(value); }
 inline void PrintTo(const Dict& dict, std::ostream* os) { *os << json::write(dict); }
-
 }  // namespace vantu
 
 namespace vantu::testing_support {
@@ -41,30 +34,25 @@ class StorageFixture : public BridgeTestFixture {
  protected:
   Preferences& preferences() { return *platform().preferences; }
   std::shared_ptr<PreferenceSuite> suite(const std::string& name) { return preferences().suite(name); }
-  std::shared_ptr<UserDefaultsDataStoreImpl> store() { return UserDefaultsDataStoreImpl::shared(); }
+  static std::shared_ptr<UserDefaultsDataStoreImpl> store() { return UserDefaultsDataStoreImpl::shared(); }
 
-  Outcome get(const std::string& domain, std::vector<std::string> keys) {
+  // One store operation, settled.
+  Outcome get(const std::string& d, Strings k) { return run([&](auto done) { store()->getData(d, k, done); }); }
+  Outcome save(const std::string& d, Dict v) { return run([&](auto done) { store()->saveData(d, v, done); }); }
+  Outcome remove(const std::string& d, Strings k) { return run([&](auto done) { store()->removeData(d, k, done); }); }
+  template <class Op>
+  Outcome run(Op op) {
     Outcome o;
-    store()->getData(domain, std::move(keys), o.done());
-    return settle(), o;
-  }
-  Outcome save(const std::string& domain, Dict data) {
-    Outcome o;
-    store()->saveData(domain, std::move(data), o.done());
-    return settle(), o;
-  }
-  Outcome remove(const std::string& domain, std::vector<std::string> keys) {
-    Outcome o;
-    store()->removeData(domain, std::move(keys), o.done());
+    op(o.done());
     return settle(), o;
   }
 
   /// Every key of a suite (empty when it cannot be opened).
-  std::vector<std::string> keysOf(const std::string& name) {
+  Strings keysOf(const std::string& name) {
     auto s = suite(name);
     if (!s) return {};
     auto keys = s->keys();
-    return keys.ok() ? keys.value() : std::vector<std::string>{};
+    return keys.ok() ? keys.value() : Strings{};
   }
 
   /// A screen carrying `appId` (none when nullopt).
@@ -74,21 +62,25 @@ class StorageFixture : public BridgeTestFixture {
     return vc;
   }
 
-  /// Calls a bridge from `vc` and settles; every answer in order.
-  std::vector<Value> call(std::string_view bridge, Dict data, std::shared_ptr<ViewController> vc) {
-    std::vector<Value> answers;
-    {
-      BridgeRegistry registry;
-      registerAllBridges(registry);
-      registry.dispatch(bridge, H5HandlerInputParams(std::move(vc), std::move(data),
-                                                     [&](const Value& answer) { answers.push_back(answer); }));
-      registry_.push_back(std::move(registry));  // keeps the handlers alive until the test ends
-    }
-    settle();
+  /// Dispatches `bridge` from `vc` through a fresh registry, without settling; the answers land in the
+  /// returned list. The registry's handlers live until the test ends unless `keepHandlers` is false.
+  std::shared_ptr<std::vector<Value>> dispatch(std::string_view bridge, Dict data, std::shared_ptr<ViewController> vc,
+                                               bool keepHandlers = true) {
+    auto answers = std::make_shared<std::vector<Value>>();
+    BridgeRegistry registry;
+    registerAllBridges(registry);
+    registry.dispatch(bridge, H5HandlerInputParams(std::move(vc), std::move(data),
+                                                   [answers](const Value& answer) { answers->push_back(answer); }));
+    if (keepHandlers) registries_.push_back(std::move(registry));
     return answers;
   }
+  /// Dispatches and settles; every answer in order.
+  std::vector<Value> call(std::string_view bridge, Dict data, std::shared_ptr<ViewController> vc) {
+    auto answers = dispatch(bridge, std::move(data), std::move(vc));
+    return settle(), *answers;
+  }
 
-  std::vector<BridgeRegistry> registry_;
+  std::vector<BridgeRegistry> registries_;
 };
 
 }  // namespace vantu::testing_support
