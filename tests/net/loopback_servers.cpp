@@ -1,12 +1,11 @@
-#include "tests/net/loopback_servers.h"
-
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <chrono>
+
+#include "tests/net/net_fixture.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
@@ -26,8 +25,6 @@ int boundLoopbackSocket(int& port) {
   return fd;
 }
 
-}  // namespace
-
 std::string tinyPng() {
   const unsigned char pixels[3 * 2 * 3] = {255, 0, 0, 0, 255, 0, 0, 0, 255, 9, 9, 9, 90, 90, 90, 200, 200, 200};
   std::string png;
@@ -36,37 +33,40 @@ std::string tinyPng() {
   return png;
 }
 
+}  // namespace
+
 LoopbackHttpServer::LoopbackHttpServer() {
-  server_.set_pre_routing_handler([this](const httplib::Request&, httplib::Response&) {
+  using Request = httplib::Request;
+  using Response = httplib::Response;
+  server_.set_pre_routing_handler([this](const Request&, Response&) {
     ++requests_;
     return httplib::Server::HandlerResponse::Unhandled;
   });
-  server_.Get(R"(/status/(\d+))", [](const httplib::Request& req, httplib::Response& res) {
+  server_.Get(R"(/status/(\d+))", [](const Request& req, Response& res) {
     res.status = std::stoi(req.matches[1]);
     if (res.status != 204) res.set_content("oops", "text/plain");
   });
-  server_.Get("/binary", [](const httplib::Request&, httplib::Response& res) {
+  server_.Get("/binary", [](const Request&, Response& res) {
     res.set_content(std::string("\xff\xfe\x00\x80", 4), "application/octet-stream");
   });
-  auto echo = [](const httplib::Request& req, httplib::Response& res) {
+  auto echo = [](const Request& req, Response& res) {
     res.set_content(req.method + "|" + req.get_header_value("X-Token") + "|" + req.body, "text/plain");
   };
   server_.Get("/echo", echo).Post("/echo", echo).Put("/echo", echo).Delete("/echo", echo);
-  server_.Get("/slow", [](const httplib::Request&, httplib::Response& res) {
+  server_.Get("/slow", [](const Request&, Response& res) {
     std::this_thread::sleep_for(std::chrono::seconds(2));
     res.set_content("late", "text/plain");
   });
-  server_.Get("/large", [](const httplib::Request& req, httplib::Response& res) {
-    const std::size_t total = std::stoull(req.get_param_value("bytes"));
-    res.set_content_provider(total, "application/octet-stream",
+  server_.Get("/large", [](const Request& req, Response& res) {
+    res.set_content_provider(std::stoull(req.get_param_value("bytes")), "application/octet-stream",
                              [](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
                                std::string chunk(std::min<std::size_t>(length, 1 << 16), ' ');
                                for (std::size_t i = 0; i < chunk.size(); ++i) chunk[i] = largeByteAt(offset + i);
                                return sink.write(chunk.data(), chunk.size());
                              });
   });
-  server_.Get("/image.png", [](const httplib::Request&, httplib::Response& res) { res.set_content(tinyPng(), "image/png"); });
-  server_.Get("/redirect", [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/status/200"); });
+  server_.Get("/image.png", [](const Request&, Response& res) { res.set_content(tinyPng(), "image/png"); });
+  server_.Get("/redirect", [](const Request&, Response& res) { res.set_redirect("/status/200"); });
   // One request per connection: the client keeps idle connections, and
   // stop() would wait for each of them to time out.
   server_.set_keep_alive_max_count(1);
@@ -75,31 +75,21 @@ LoopbackHttpServer::LoopbackHttpServer() {
   while (!server_.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
-LoopbackHttpServer::~LoopbackHttpServer() {
-  server_.stop();
-  thread_.join();
-}
-
 GarbageListener::GarbageListener() {
   socket_ = boundLoopbackSocket(port_);
   ::listen(socket_, 8);
-  thread_ = std::thread([this] {
-    while (!stop_) {
-      pollfd ready{socket_, POLLIN, 0};
-      if (::poll(&ready, 1, 50) <= 0) continue;
-      int client = ::accept(socket_, nullptr, nullptr);
-      if (client < 0) continue;
+  thread_ = std::thread([this] {  // until the destructor shuts the socket down
+    for (int client; (client = ::accept(socket_, nullptr, nullptr)) >= 0; ::close(client)) {
       char request[1024];
       (void)::recv(client, request, sizeof request, 0);
       const char garbage[] = "\x01\x02 this is not a web server\n";
       (void)::send(client, garbage, sizeof garbage - 1, MSG_NOSIGNAL);
-      ::close(client);
     }
   });
 }
 
 GarbageListener::~GarbageListener() {
-  stop_ = true;
+  ::shutdown(socket_, SHUT_RDWR);
   thread_.join();
   ::close(socket_);
 }
