@@ -38,7 +38,9 @@ TEST(Base64Test, RandomBytesRoundTripAndStreamLikeOneShot) {
     for (std::size_t piece = 1; piece <= 8; ++piece) {
       std::string out = "x";
       StreamingEncoder encoder(out);
-      for (std::size_t at = 0; at < len; at += piece) encoder.append(std::span(bytes).subspan(at, std::min(piece, len - at)));
+      for (std::size_t at = 0; at < len; at += piece) {
+        encoder.append(std::span(bytes).subspan(at, std::min(piece, len - at)));
+      }
       encoder.finish();
       EXPECT_EQ(out, "x" + text) << len << " in pieces of " << piece;
     }

@@ -46,7 +46,8 @@ TEST(JsonParseTest, EveryKindNumberAndEscape) {
       {"1.7976931348623157e308", Value(1.7976931348623157e308)}, {"1e-400", Value(0.0)},
       {R"("\"\\\/\b\f\n\r\t")", Value("\"\\/\b\f\n\r\t")}, {R"("\u0041\u00e9\u20AC")", Value("A\xC3\xA9\xE2\x82\xAC")},
       {R"("\ud83d\ude00")", Value("\xF0\x9F\x98\x80")}, {R"("a\u0000b")", Value(std::string("a\0b", 3))},
-      {"\"\xE2\x80\xA8 raw\"", Value("\xE2\x80\xA8 raw")}, {"\"\xC3\xA9\xF0\x9F\x98\x80\"", Value("\xC3\xA9\xF0\x9F\x98\x80")},
+      {"\"\xE2\x80\xA8 raw\"", Value("\xE2\x80\xA8 raw")},
+      {"\"\xC3\xA9\xF0\x9F\x98\x80\"", Value("\xC3\xA9\xF0\x9F\x98\x80")},
       {R"({"\u0061":1})", Value(Dict{{"a", 1}})},
   };
   for (const auto& [text, expected] : cases) {
@@ -71,23 +72,23 @@ TEST(JsonParseTest, RefusesMalformedTextWithAReason) {
       {"1.8e308", "number out of range"}, {"\"abc", "never closed"},
       {nested(kMaxDepth + 1, false), "nesting"}, {nested(kMaxDepth + 1, true), "nesting"},
       {std::string(100000, '['), ""}, {nested(100000, false), ""},
-      // Lone or mismatched UTF-16 surrogates in escapes, and invalid UTF-8.
-      {R"("\ud800")", ""}, {R"("\udc00")", ""}, {R"("\ud800\u0041")", ""}, {R"("\ud800x")", ""}, {R"("\ude00\ud83d")", ""},
-      {R"(["\ud800"])", ""}, {R"({"\udfff":1})", ""}, {"\"\xFF\"", ""}, {"\"\xC3\"", ""}, {"\"\xC0\xAF\"", ""},
-      {"\"\xED\xA0\x80\"", ""}, {"\"\xF4\x90\x80\x80\"", ""}, {"[\"ok\"]\x80", ""}, {"{\"\xE2\x82\":1}", ""}, {"\x81", ""},
   };
   for (const auto& [text, reason] : cases) {
     const std::string message = parseError(text);
-    EXPECT_EQ(message.rfind("invalid JSON: ", 0), 0u) << text.substr(0, 40) << " -> " << message;
-    EXPECT_NE(message.find(reason), std::string::npos) << text.substr(0, 40) << " -> " << message;
+    SCOPED_TRACE(text.substr(0, 40) + " -> " + message);
+    EXPECT_EQ(message.rfind("invalid JSON: ", 0), 0u);
+    EXPECT_NE(message.find(reason), std::string::npos);
   }
-  for (const char* text : {"",         "   ",        "[1,]",     "[1 2]",      "{\"a\":1,}", "{\"a\" 1}", "{1:2}",
-                           "[1,2",     "[",          "]",        "1 2",        "\"a\" x",    "true false", "nullx",
-                           "[nul]",    "[tru]",      "tRue",     "[1]x",       "{}}",        "[]]",      "[01]",
-                           "[1.]",     "[-]",        "[.5]",     "[+1]",       "[1e]",       "[1e+]",    "[x]",
-                           "[\"\\x\"]", "{\"a\":}", "[,1]",     "[1,,2]",     "\"a\x01\"",  "NaN",      "Infinity",
-                           "'a'",      "[\"a\"\"b\"]", "{\"a\":1}{", "[1] 2",  "-",          "0x10",     "[1}",
-                           "{\"a\":1]", "[{]}",      "[\"a\":1]", "{\"a\"}",    "{,}"}) {
+  const char* malformed[] = {
+      "", "   ", "[1,]", "[1 2]", "{\"a\":1,}", "{\"a\" 1}", "{1:2}", "[1,2", "[", "]", "1 2", "\"a\" x", "true false",
+      "nullx", "[nul]", "[tru]", "tRue", "[1]x", "{}}", "[]]", "[01]", "[1.]", "[-]", "[.5]", "[+1]", "[1e]", "[1e+]",
+      "[x]", "[\"\\x\"]", "{\"a\":}", "[,1]", "[1,,2]", "\"a\x01\"", "NaN", "Infinity", "'a'", "[\"a\"\"b\"]",
+      "{\"a\":1}{", "[1] 2", "-", "0x10", "[1}", "{\"a\":1]", "[{]}", "[\"a\":1]", "{\"a\"}", "{,}",
+      // Lone or mismatched UTF-16 surrogates in escapes, and invalid UTF-8.
+      R"("\ud800")", R"("\udc00")", R"("\ud800\u0041")", R"("\ud800x")", R"("\ude00\ud83d")", R"(["\ud800"])",
+      R"({"\udfff":1})", "\"\xFF\"", "\"\xC3\"", "\"\xC0\xAF\"", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"",
+      "[\"ok\"]\x80", "{\"\xE2\x82\":1}", "\x81"};
+  for (const char* text : malformed) {
     EXPECT_EQ(parseError(text).rfind("invalid JSON: ", 0), 0u) << text;
   }
 }
