@@ -1,42 +1,85 @@
-// The thread-safe notification centre.
+// The thread-safe notification centre, its observer tokens, and the simulated
+// device's record of posts.
 
 #include "vantu/platform/basic_notification_center.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "platforms/sim/sim_notification_center.h"
 
 namespace vantu {
 namespace {
 
 using Log = std::vector<std::string>;
 
-TEST(BasicNotificationCenter, DeliversByNameInOrderAndHonoursRemovalDuringDelivery) {
-  auto center = std::make_shared<BasicNotificationCenter>();
+class Named : public Object {
+ public:
+  explicit Named(std::string n) : name(std::move(n)) {}
+  std::string name;
+};
+
+TEST(NotificationCenter, DeliversByNameInOrderUntilTheTokenEndsEvenDuringADelivery) {
+  auto center = std::make_shared<sim::SimNotificationCenter>();
   Log log;
   ObserverToken second;
-  auto first = center->addObserver("n", [&](const Notification& n) {
-    log.push_back("first:" + n.name);
-    second.reset();  // removed before its turn in this very delivery
-  });
-  second = center->addObserver("n", [&](const Notification&) { log.push_back("second"); });
-  auto third = center->addObserver("n", [&](const Notification&) { log.push_back("third"); });
-  auto other = center->addObserver("other", [&](const Notification&) { log.push_back("other"); });
-  EXPECT_EQ(center->observerCount(), 4u);
-  center->post("n");
-  EXPECT_EQ(log, (Log{"first:n", "third"}));
-  EXPECT_EQ(center->observerCount(), 3u);
-  third.reset();
+  auto observe = [&](std::string name, std::string who) {
+    return center->addObserver(name, [&log, &second, who](const Notification& n) {
+      auto* named = dynamic_cast<Named*>(n.object.get());
+      log.push_back(who + " <- " + n.name + (named ? " " + named->name : ""));
+      if (who == "first") second.reset();  // removed before its turn in this very delivery
+    });
+  };
+  auto first = observe("n", "first");
+  second = observe("n", "second");
+  auto other = observe("other", "other");
+  {
+    auto scoped = observe("n", "scoped");
+    EXPECT_TRUE(scoped.active());
+    EXPECT_EQ(center->observerCount(), 4u);
+    center->post("n", std::make_shared<Named>("obj"));
+    center->post("other");
+    center->post("unheard");
+  }
+  EXPECT_EQ(log, (Log{"first <- n obj", "scoped <- n obj", "other <- other"}));
+  EXPECT_EQ(center->observerCount(), 2u);
+
+  // Moving a token moves the observation; reset ends it at once.
   log.clear();
+  auto moved = std::move(first);
+  EXPECT_FALSE(first.active());  // NOLINT(bugprone-use-after-move)
   center->post("n");
-  EXPECT_EQ(log, (Log{"first:n"}));
+  moved.reset();
+  center->post("n");
+  EXPECT_EQ(log, Log{"first <- n"});
+  EXPECT_EQ(center->observerCount(), 1u);
+
+  auto posted = center->takePosted();
+  ASSERT_EQ(posted.size(), 5u);
+  EXPECT_EQ(posted[0].name, "n");
+  EXPECT_EQ(posted[0].object.lock(), nullptr);  // the object is not kept alive
+  EXPECT_EQ(posted[2].name, "unheard");
+  EXPECT_TRUE(center->takePosted().empty());
 }
 
-TEST(BasicNotificationCenter, PostingWhileOtherThreadsAddAndRemoveObservers) {
+TEST(NotificationCenter, ATokenOutlivingItsCentreIsHarmless) {
+  ObserverToken token;
+  {
+    auto center = std::make_shared<BasicNotificationCenter>();
+    token = center->addObserver("n", [](const Notification&) {});
+    EXPECT_EQ(center->observerCount(), 1u);
+  }
+  EXPECT_TRUE(token.active());
+  token.reset();
+  EXPECT_FALSE(token.active());
+}
+
+TEST(NotificationCenter, PostingWhileOtherThreadsAddAndRemoveObservers) {
   auto center = std::make_shared<BasicNotificationCenter>();
   std::atomic<int> steady{0};
   auto token = center->addObserver("n", [&](const Notification&) { ++steady; });

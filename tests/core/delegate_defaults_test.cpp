@@ -16,8 +16,7 @@
 namespace vantu {
 namespace {
 
-/// An environment delegate that implements every operation: it records the
-/// arguments and answers (true, no error, "from <operation>").
+/// Implements every operation: records the arguments, answers (true, no error, "from <operation>").
 class FullDelegate : public VantuH5Delegate {
  public:
   std::vector<std::string> calls;  // "<operation> <arguments as JSON>"
@@ -35,12 +34,8 @@ class FullDelegate : public VantuH5Delegate {
   void logout(Dict data, DelegateHandler h) override { answer("logout", data, h); }
   void handleSessionExpiry(Dict data, DelegateHandler h) override { answer("handleSessionExpiry", data, h); }
   void fetchAuthToken(Dict data, DelegateHandler h) override { answer("fetchAuthToken", data, h); }
-  void fetchParamsAgainstKey(std::string key, DelegateHandler h) override {
-    answer("fetchParamsAgainstKey", Dict{{"key", key}}, h);
-  }
-  void fetchValuesForKeys(std::vector<std::string> keys, DelegateHandler h) override {
-    answer("fetchValuesForKeys", Dict{{"count", static_cast<std::int64_t>(keys.size())}}, h);
-  }
+  void fetchParamsAgainstKey(std::string, DelegateHandler h) override { answer("fetchParamsAgainstKey", {}, h); }
+  void fetchValuesForKeys(std::vector<std::string>, DelegateHandler h) override { answer("fetchValuesForKeys", {}, h); }
   void trackCustomEventFor(Dict variables, DelegateHandler h) override { answer("trackCustomEventFor", variables, h); }
   void getCustomerId(DelegateHandler h) override { answer("getCustomerId", Dict{}, h); }
   void trackWithOstrix(std::optional<UrlRequest> request, std::optional<HttpUrlResponse> response,
@@ -71,7 +66,7 @@ struct Operation {
   std::string name;
   std::string selector;
   bool forwards;
-  std::string arguments;  // as FullDelegate records them
+  std::string arguments;  // as FullDelegate records them; empty when it must not be reached
   std::function<void(VantuH5Delegate&, DelegateHandler)> call;
 };
 
@@ -129,7 +124,6 @@ Answer callNow(const Operation& op, VantuH5Delegate& delegate) {
 }
 
 void expectDefaultFailure(const Answer& answer, const Operation& op) {
-  SCOPED_TRACE(op.name);
   ASSERT_EQ(answer.count, 1);
   EXPECT_EQ(answer.thread, std::this_thread::get_id());
   EXPECT_FALSE(answer.success || answer.value);
@@ -140,45 +134,39 @@ void expectDefaultFailure(const Answer& answer, const Operation& op) {
   EXPECT_EQ(answer.error->localizedFailureReason, "Running default implementation of the method: " + op.selector);
 }
 
-class DelegateDefaultsTest : public testing_support::BridgeTestFixture {
- protected:
-  void SetUp() override {
-    BridgeTestFixture::SetUp();
-    caller->setName("caller");
-  }
-  std::shared_ptr<ViewController> caller = std::make_shared<ViewController>();
-};
+using DelegateDefaultsTest = testing_support::BridgeTestFixture;
 
-TEST_F(DelegateDefaultsTest, WithoutAWorkingEnvironmentDelegateEveryOperationFailsAtOnce) {
+TEST_F(DelegateDefaultsTest, DefaultsFailAtOnceUnlessAWorkingEnvironmentDelegateTakesTheCall) {
+  auto caller = std::make_shared<ViewController>();
+  caller->setName("caller");
   auto bare = std::make_shared<VantuH5Delegate>();
-  for (const auto& op : operations(caller)) expectDefaultFailure(callNow(op, *bare), op);
-  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, nullptr));
-  for (const auto& op : operations(caller)) expectDefaultFailure(callNow(op, *bare), op);
-  // An environment delegate that keeps the defaults fails too, called directly or via a screen's.
-  auto environment = std::make_shared<VantuH5Delegate>();
-  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, environment));
-  for (const auto& op : operations(caller)) {
-    expectDefaultFailure(callNow(op, *environment), op);
-    expectDefaultFailure(callNow(op, *bare), op);
-  }
-}
-
-TEST_F(DelegateDefaultsTest, OperationsForwardToTheEnvironmentDelegateExceptTheValueLookups) {
+  auto keepsDefaults = std::make_shared<VantuH5Delegate>();
   auto full = std::make_shared<FullDelegate>();
-  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, full));
-  auto bare = std::make_shared<VantuH5Delegate>();
-  for (const auto& op : operations(caller)) {
-    SCOPED_TRACE(op.name);
-    full->calls.clear();
-    auto answer = callNow(op, *bare);
-    if (!op.forwards) {
-      expectDefaultFailure(answer, op);
-      EXPECT_TRUE(full->calls.empty());
-      continue;
+  struct Case {
+    const char* name;
+    bool setUp;
+    std::shared_ptr<VantuH5Delegate> environment;
+  };
+  const Case cases[] = {{"no environment", false, nullptr},
+                        {"environment without a delegate", true, nullptr},
+                        {"environment delegate keeping the defaults", true, keepsDefaults},
+                        {"working environment delegate", true, full}};
+  for (const auto& c : cases) {
+    if (c.setUp) Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(nullptr, nullptr, c.environment));
+    for (const auto& op : operations(caller)) {
+      SCOPED_TRACE(std::string(c.name) + ": " + op.name);
+      full->calls.clear();
+      auto answer = callNow(op, *bare);
+      if (c.environment == keepsDefaults) expectDefaultFailure(callNow(op, *keepsDefaults), op);
+      if (c.environment != full || !op.forwards) {
+        expectDefaultFailure(answer, op);
+        EXPECT_TRUE(full->calls.empty());
+        continue;
+      }
+      EXPECT_EQ(full->calls, std::vector<std::string>{op.name + " " + op.arguments});
+      EXPECT_TRUE(answer.count == 1 && answer.success && !answer.error);
+      EXPECT_EQ(answer.value, Value("from " + op.name));
     }
-    EXPECT_EQ(full->calls, std::vector<std::string>{op.name + " " + op.arguments});
-    EXPECT_TRUE(answer.count == 1 && answer.success && !answer.error);
-    EXPECT_EQ(answer.value, Value("from " + op.name));
   }
 }
 

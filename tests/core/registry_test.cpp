@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "tests/support/bridge_test_fixture.h"
-#include "vantu/core/app_type.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/version_util.h"
 
@@ -81,15 +80,6 @@ TEST_F(VersionTest, AppVersionIsTheBundleShortVersionStringOrEmpty) {
     EXPECT_EQ(VersionUtil::getAppVersion(), c.expected) << c.info;
   }
   EXPECT_EQ(VersionUtil::getSDKVersion(), "5.6.0");
-}
-
-TEST(AppTypeTest, OnlyExactRawValuesParse) {
-  EXPECT_EQ(appTypeFromRawValue("generic"), AppType::generic);
-  EXPECT_EQ(appTypeFromRawValue("miniapp"), AppType::miniapp);
-  for (const char* raw : {"MiniApp", "Generic", "GENERIC", "", " miniapp", "miniapp ", "mini_app"}) {
-    EXPECT_EQ(appTypeFromRawValue(raw), std::nullopt) << "'" << raw << "'";
-  }
-  for (auto type : {AppType::generic, AppType::miniapp}) EXPECT_EQ(appTypeFromRawValue(rawValue(type)), type);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ namespace vantu {
 namespace {
 
 using namespace std::chrono_literals;
+using Log = std::vector<std::string>;
 
 class SimDispatchTest : public testing_support::BridgeTestFixture {
  protected:
@@ -25,16 +26,13 @@ class SimDispatchTest : public testing_support::BridgeTestFixture {
   }
   Task noteTime(std::string name) {
     return [this, name] {
-      auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(loop().now()).count();
-      log.push_back(name + "@" + std::to_string(ms));
+      log.push_back(name + "@" + std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(loop().now()).count()));
     };
   }
-  std::vector<std::string> log;
+  Log log;
 };
 
-using Log = std::vector<std::string>;
-
-TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRuns) {
+TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRunsAndGroupsNotifyByPosting) {
   auto serial = loop().makeSerialQueue("serial");
   main()->async(note("main1"));
   serial->async(note("serial1"));
@@ -47,6 +45,22 @@ TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRuns) {
   EXPECT_EQ(loop().runReady(), 5u);
   EXPECT_EQ(log, (Log{"main1", "serial1", "main2", "serial2", "posted by main2"}));
   EXPECT_FALSE(loop().hasReadyTasks());
+
+  log.clear();
+  DispatchGroup group;
+  group.enter();
+  group.enter();
+  group.notify(main(), note("done"));
+  group.leave();
+  loop().runReady();
+  EXPECT_TRUE(log.empty());
+  group.leave();
+  EXPECT_TRUE(log.empty());  // posted, not run inline
+  loop().runReady();
+  DispatchGroup empty;
+  empty.notify(main(), note("empty done"));
+  loop().runReady();
+  EXPECT_EQ(log, (Log{"done", "empty done"}));
 }
 
 TEST_F(SimDispatchTest, TimersRunWhenTheClockReachesThemInDueOrder) {
@@ -67,9 +81,9 @@ TEST_F(SimDispatchTest, TimersRunWhenTheClockReachesThemInDueOrder) {
   EXPECT_EQ(log, (Log{"now@0", "negative@0", "t1a@1000", "t1b@1000", "t2@2000", "t3@3000"}));
   EXPECT_EQ(loop().now(), 6100ms);
   EXPECT_EQ(loop().nextTimer(), std::nullopt);
-}
 
-TEST_F(SimDispatchTest, TimerPostedByATimerIsDueRelativeToItsOwnTime) {
+  // A timer posted by a timer is due relative to its own time.
+  log.clear();
   main()->asyncAfter(1s, [this] {
     noteTime("first")();
     main()->asyncAfter(1s, [this] {
@@ -79,9 +93,9 @@ TEST_F(SimDispatchTest, TimerPostedByATimerIsDueRelativeToItsOwnTime) {
     });
   });
   loop().advance(3s);
-  EXPECT_EQ(loop().nextTimer(), Duration(4s));
+  EXPECT_EQ(loop().nextTimer(), Duration(10100ms));
   loop().advance(1s);
-  EXPECT_EQ(log, (Log{"first@1000", "second@2000", "follow-up@2000", "third@4000"}));
+  EXPECT_EQ(log, (Log{"first@7100", "second@8100", "follow-up@8100", "third@10100"}));
 }
 
 TEST_F(SimDispatchTest, AdvancingByDecimalSecondsReachesMillisecondTimers) {
@@ -93,51 +107,9 @@ TEST_F(SimDispatchTest, AdvancingByDecimalSecondsReachesMillisecondTimers) {
     if (mismatches++ == 0) first = std::to_string(ms) + " ms became " + std::to_string(converted.count()) + " ns";
   }
   EXPECT_EQ(mismatches, 0) << "first: " << first;
-
   main()->asyncAfter(1001ms, note("timer"));
   loop().advance(secondsToDuration(1.001));
   EXPECT_EQ(log, (Log{"timer"}));
-}
-
-TEST_F(SimDispatchTest, GroupNotifiesAfterTheLastLeaveOrAtOnceWhenEmpty) {
-  DispatchGroup group;
-  group.enter();
-  group.enter();
-  group.notify(main(), note("done"));
-  group.leave();
-  loop().runReady();
-  EXPECT_TRUE(log.empty());
-  group.leave();
-  EXPECT_TRUE(log.empty());  // posted, not run inline
-  loop().runReady();
-  DispatchGroup empty;
-  empty.notify(main(), note("empty done"));
-  loop().runReady();
-  loop().runReady();
-  EXPECT_EQ(log, (Log{"done", "empty done"}));
-}
-
-TEST_F(SimDispatchTest, SettleWaitsForWorkReleasedByAnotherThread) {
-  auto work = loop().beginOutstandingWork();
-  EXPECT_EQ(loop().outstandingWork(), 1u);
-  std::promise<void> start;
-  auto started = start.get_future();
-  std::thread::id ranOn;
-  // The worker starts only once the loop runs, so settle is already waiting.
-  main()->async([&start] { start.set_value(); });
-  std::thread worker([&, work = std::move(work)]() mutable {
-    started.wait();
-    main()->async([&] {
-      ranOn = std::this_thread::get_id();
-      log.push_back("completion");
-    });
-    work.reset();
-  });
-  EXPECT_TRUE(loop().settle(10s));
-  worker.join();
-  EXPECT_EQ(log, (Log{"completion"}));
-  EXPECT_EQ(ranOn, std::this_thread::get_id());
-  EXPECT_EQ(loop().outstandingWork(), 0u);
 }
 
 TEST_F(SimDispatchTest, SettleRunsDueTasksButTimesOutOnUnreleasedWork) {
@@ -145,20 +117,20 @@ TEST_F(SimDispatchTest, SettleRunsDueTasksButTimesOutOnUnreleasedWork) {
   main()->async(note("due"));
   EXPECT_TRUE(loop().settle(10s));  // a pending timer is not outstanding work
   EXPECT_EQ(log, (Log{"due"}));
-
   auto work = loop().beginOutstandingWork();
+  EXPECT_EQ(loop().outstandingWork(), 1u);
   main()->async(note("due again"));
   EXPECT_FALSE(loop().settle(50ms));
   EXPECT_EQ(log, (Log{"due", "due again"}));
   work.reset();
+  EXPECT_EQ(loop().outstandingWork(), 0u);
   EXPECT_TRUE(loop().settle(10s));
 }
 
-TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndWaitsFromOthers) {
+TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndFromOthersWaitsForTheLoopThatSettles) {
   auto serial = loop().makeSerialQueue("serial");
   serial->sync(note("inline"));
   EXPECT_FALSE(loop().hasReadyTasks());
-
   main()->async([&] {
     log.push_back("outer");
     serial->sync(note("nested"));
@@ -168,19 +140,29 @@ TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndWaitsFromOthers) {
   loop().runReady();
   EXPECT_EQ(log, (Log{"inline", "outer", "nested", "after nested", "next"}));
 
-  // From another thread, sync blocks until the loop has run the task.
+  // The worker starts only once the loop runs, so settle is already waiting;
+  // its sync blocks until the loop has run the task.
   log.clear();
   auto work = loop().beginOutstandingWork();
-  std::thread::id ranOn;
+  std::promise<void> start;
+  auto started = start.get_future();
+  main()->async([&start] { start.set_value(); });
+  std::thread::id syncRanOn, completionRanOn;
   std::thread worker([&, work = std::move(work)]() mutable {
-    serial->sync([&] { ranOn = std::this_thread::get_id(); });
-    main()->async(note("after sync"));
+    started.wait();
+    serial->sync([&] { syncRanOn = std::this_thread::get_id(); });
+    main()->async([&] {
+      completionRanOn = std::this_thread::get_id();
+      log.push_back("completion");
+    });
     work.reset();
   });
   EXPECT_TRUE(loop().settle(10s));
   worker.join();
-  EXPECT_EQ(ranOn, std::this_thread::get_id());
-  EXPECT_EQ(log, (Log{"after sync"}));
+  EXPECT_EQ(syncRanOn, std::this_thread::get_id());
+  EXPECT_EQ(completionRanOn, std::this_thread::get_id());
+  EXPECT_EQ(log, (Log{"completion"}));
+  EXPECT_EQ(loop().outstandingWork(), 0u);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/bridge_test_fixture.h"
+#include "vantu/core/app_type.h"
 #include "vantu/core/h5_web_view_extractor.h"
 
 namespace vantu {
@@ -52,9 +53,13 @@ TEST_F(ContextTest, LookupsReachSelfParentAndGrandparentOnly) {
   auto marker = std::make_shared<Object>();
   for (const auto& lookup : ancestorLookups(marker)) {
     for (int distance = 0; distance <= 3; ++distance) {
+      SCOPED_TRACE(std::string(lookup.name) + " set " + std::to_string(distance) + " levels up");
       Chain chain;
       lookup.setPresent(chain.at(distance));
-      EXPECT_EQ(lookup.finds(chain.self()), distance <= 2) << lookup.name << " set " << distance << " levels up";
+      EXPECT_EQ(lookup.finds(chain.self()), distance <= 2);
+      if (lookup.name == std::string("isH5")) {
+        EXPECT_EQ(extractH5ViewController(chain.self()), distance <= 2 ? chain.levels[distance] : nullptr);
+      }
     }
     Chain chain;
     lookup.setPresent(chain.below());
@@ -82,7 +87,7 @@ TEST_F(ContextTest, NearestPresentValueWinsAndPresentFalseStopsTheSearch) {
   setIsH5(chain.self(), false);
   EXPECT_FALSE(isH5ViewController(chain.self()));
   EXPECT_FALSE(getIsH5Val(chain.self()));
-  EXPECT_EQ(extractH5ViewController(chain.self()), chain.levels[1]);
+  EXPECT_EQ(extractH5ViewController(chain.self()), chain.levels[1]);  // skips a present false
   // The child has no value of its own: the nearest one is its parent's false.
   EXPECT_FALSE(isH5ViewController(chain.below()));
 
@@ -92,19 +97,7 @@ TEST_F(ContextTest, NearestPresentValueWinsAndPresentFalseStopsTheSearch) {
   EXPECT_TRUE(isHcViewController(chain.at(2)));
 }
 
-TEST_F(ContextTest, ExtractH5ViewControllerNeedsAPresentTrueFlagWithinTwoLevels) {
-  for (int distance = 0; distance <= 3; ++distance) {
-    Chain chain;
-    setIsH5(chain.at(distance), true);
-    auto expected = distance <= 2 ? chain.levels[distance] : nullptr;
-    EXPECT_EQ(extractH5ViewController(chain.self()), expected) << "isH5 set " << distance << " levels up";
-  }
-  Chain allFalse;
-  for (int distance = 0; distance <= 2; ++distance) setIsH5(allFalse.at(distance), false);
-  EXPECT_EQ(extractH5ViewController(allFalse.self()), nullptr);
-}
-
-TEST_F(ContextTest, NilIsIgnoredForDelegateIdAndIsH5ButClearsIsHcAndSafeAreaFlags) {
+TEST_F(ContextTest, NilIsIgnoredForDelegateIdAndIsH5ButClearsIsHcAndSafeAreaFlagsAndAppTypeNeedsExactText) {
   auto vc = std::make_shared<ViewController>();
   auto delegate = std::make_shared<Object>();
   setVH5ViewControllerDelegate(*vc, delegate);
@@ -128,16 +121,18 @@ TEST_F(ContextTest, NilIsIgnoredForDelegateIdAndIsH5ButClearsIsHcAndSafeAreaFlag
     set(*vc, std::nullopt);
     EXPECT_EQ(get(*vc), std::nullopt);
   }
-}
 
-TEST_F(ContextTest, AppTypeIsMiniappOnlyForTheExactRawText) {
-  auto vc = std::make_shared<ViewController>();
   EXPECT_EQ(getAppType(*vc), AppType::generic);
   setAppType(*vc, AppType::miniapp);
-  setAppTypeText(*vc, "MiniApp");
+  setAppTypeText(*vc, "MiniApp");  // the raw text decides, and only exactly
   EXPECT_EQ(getAppType(*vc), AppType::generic);
   setAppTypeText(*vc, "miniapp");
   EXPECT_EQ(getAppType(*vc), AppType::miniapp);
+  EXPECT_EQ(rawValue(AppType::generic), "generic");
+  EXPECT_EQ(appTypeFromRawValue("generic"), AppType::generic);
+  for (const char* raw : {"MiniApp", "Generic", "GENERIC", "", " miniapp", "miniapp ", "mini_app"}) {
+    EXPECT_EQ(appTypeFromRawValue(raw), std::nullopt) << "'" << raw << "'";
+  }
 }
 
 TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
@@ -147,42 +142,34 @@ TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
   EXPECT_DEATH(getOffsetFixer(*vc), "offsetFixer");
 }
 
-// --- Web view extraction.
-
-using WebViewExtractorTest = testing_support::BridgeTestFixture;
-
 std::string nameOf(const std::shared_ptr<WebView>& webView) { return webView ? webView->name() : "(none)"; }
 
-TEST_F(WebViewExtractorTest, DirectSubviewsOnlyFirstInOrder) {
-  apply(R"({"screens": [
-    {"name": "both", "view": {"subviews": [
-      {"kind": "view", "name": "box", "subviews": [{"kind": "webView", "name": "nested"}]},
-      {"kind": "webView", "name": "first"},
-      {"kind": "webView", "name": "second"}]}},
-    {"name": "nestedOnly", "view": {"subviews": [
-      {"kind": "view", "name": "box2", "subviews": [{"kind": "webView", "name": "deep"}]}]}},
-    {"name": "empty"}]})");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("both"))), "first");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("nestedOnly"))), "(none)");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen("empty"))), "(none)");
-}
-
-TEST_F(WebViewExtractorTest, RecursiveSearchIsDepthFirstThroughChildScreens) {
+// Directly: the first web view among the screen's own subviews. Recursively:
+// its own first, else depth first through its child screens.
+TEST_F(ContextTest, WebViewExtraction) {
   apply(R"({"screens": [
     {"name": "root", "view": {"subviews": [
         {"kind": "view", "name": "box", "subviews": [{"kind": "webView", "name": "rootNested"}]}]},
      "children": [
-      {"name": "a", "children": [
-        {"name": "a1", "view": {"subviews": [{"kind": "webView", "name": "a1Web"}]}}]},
+      {"name": "a", "children": [{"name": "a1", "view": {"subviews": [{"kind": "webView", "name": "a1Web"}]}}]},
       {"name": "b", "view": {"subviews": [{"kind": "webView", "name": "bWeb"}]}}]},
-    {"name": "own", "view": {"subviews": [{"kind": "webView", "name": "ownWeb"}]},
+    {"name": "own", "view": {"subviews": [
+        {"kind": "view", "name": "box2", "subviews": [{"kind": "webView", "name": "nested"}]},
+        {"kind": "webView", "name": "ownWeb"}, {"kind": "webView", "name": "second"}]},
      "children": [{"name": "ownChild", "view": {"subviews": [{"kind": "webView", "name": "childWeb"}]}}]}]})");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("root"))), "a1Web");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("a"))), "a1Web");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("own"))), "ownWeb");
+  auto direct = [&](const char* screen) { return nameOf(H5WebViewExtractor::extractWebViewFrom(*device.screen(screen))); };
+  auto deep = [&](const char* screen) {
+    return nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen(screen)));
+  };
+  EXPECT_EQ(direct("own"), "ownWeb");
+  EXPECT_EQ(direct("root"), "(none)");
+  EXPECT_EQ(direct("a"), "(none)");
+  EXPECT_EQ(deep("root"), "a1Web");
+  EXPECT_EQ(deep("a"), "a1Web");
+  EXPECT_EQ(deep("own"), "ownWeb");
   device.screen("a1")->removeFromParent();
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("root"))), "bWeb");
-  EXPECT_EQ(nameOf(H5WebViewExtractor::extractWebViewRecursivelyFrom(*device.screen("a"))), "(none)");
+  EXPECT_EQ(deep("root"), "bWeb");
+  EXPECT_EQ(deep("a"), "(none)");
 }
 
 }  // namespace
