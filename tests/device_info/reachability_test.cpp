@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/bridge_test_fixture.h"
@@ -17,100 +17,48 @@ namespace vantu {
 namespace {
 
 namespace rf = reachability_flag;
+using Lines = std::vector<std::string>;
 
-// --- Decisions, checked against tables written from the rules.
-
-// The nine bits the decisions look at, in an arbitrary order of our own.
-constexpr std::array<ReachabilityFlags, 9> kBits = {
-    rf::kReachable,         rf::kConnectionRequired, rf::kConnectionOnTraffic,
-    rf::kInterventionRequired, rf::kConnectionOnDemand, rf::kIsWWAN,
-    rf::kTransientConnection, rf::kIsLocalAddress,    rf::kIsDirect};
-
-ReachabilityFlags flagsForCombination(unsigned combination) {
-  ReachabilityFlags flags = 0;
-  for (std::size_t i = 0; i < kBits.size(); ++i) {
-    if (combination & (1u << i)) flags |= kBits[i];
-  }
-  return flags;
+// The rules, written independently of the library.
+Connection expectedConnection(ReachabilityFlags f, bool allowsCellular) {
+  if (!(f & rf::kReachable)) return Connection::none;
+  if (f & rf::kIsWWAN) return allowsCellular ? Connection::cellular : Connection::none;
+  if (!(f & rf::kConnectionRequired)) return Connection::wifi;
+  bool automatic = f & (rf::kConnectionOnTraffic | rf::kConnectionOnDemand);
+  return automatic && !(f & rf::kInterventionRequired) ? Connection::wifi : Connection::none;
 }
 
-enum class Cellular { any, allowed, refused };
-
-struct ConnectionRule {
-  ReachabilityFlags required;
-  ReachabilityFlags forbidden;
-  Cellular cellular;
-  Connection result;
-};
-
-// The first rule that matches decides.
-constexpr ConnectionRule kConnectionRules[] = {
-    {0, rf::kReachable, Cellular::any, Connection::none},
-    {rf::kReachable | rf::kIsWWAN, 0, Cellular::allowed, Connection::cellular},
-    {rf::kReachable | rf::kIsWWAN, 0, Cellular::refused, Connection::none},
-    {rf::kReachable, rf::kConnectionRequired, Cellular::any, Connection::wifi},
-    {rf::kReachable | rf::kConnectionRequired | rf::kConnectionOnTraffic, rf::kInterventionRequired, Cellular::any,
-     Connection::wifi},
-    {rf::kReachable | rf::kConnectionRequired | rf::kConnectionOnDemand, rf::kInterventionRequired, Cellular::any,
-     Connection::wifi},
-    {0, 0, Cellular::any, Connection::none},
-};
-
-Connection expectedConnection(ReachabilityFlags flags, bool allowsCellular) {
-  for (const auto& rule : kConnectionRules) {
-    if ((flags & rule.required) != rule.required || (flags & rule.forbidden) != 0) continue;
-    if (rule.cellular == Cellular::allowed && !allowsCellular) continue;
-    if (rule.cellular == Cellular::refused && allowsCellular) continue;
-    return rule.result;
-  }
-  ADD_FAILURE() << "no rule matched";
-  return Connection::none;
-}
-
-// Each position of the description: the bit it shows and its letter; the
-// first position shows "X" off a device whatever the bit.
-struct DescriptionColumn {
-  ReachabilityFlags bit;
-  char letter;
-};
-constexpr DescriptionColumn kColumns[] = {
-    {rf::kIsWWAN, 'W'},          {rf::kReachable, 'R'},           {0, ' '},
-    {rf::kConnectionRequired, 'c'}, {rf::kTransientConnection, 't'}, {rf::kInterventionRequired, 'i'},
-    {rf::kConnectionOnTraffic, 'C'}, {rf::kConnectionOnDemand, 'D'}, {rf::kIsLocalAddress, 'l'},
-    {rf::kIsDirect, 'd'},
-};
+// Each position shows its letter when its bit is set; the first shows "X" off a device.
+constexpr std::pair<ReachabilityFlags, char> kColumns[] = {
+    {rf::kIsWWAN, 'W'},  {rf::kReachable, 'R'}, {0, ' '}, {rf::kConnectionRequired, 'c'},
+    {rf::kTransientConnection, 't'}, {rf::kInterventionRequired, 'i'}, {rf::kConnectionOnTraffic, 'C'},
+    {rf::kConnectionOnDemand, 'D'}, {rf::kIsLocalAddress, 'l'}, {rf::kIsDirect, 'd'}};
 
 std::string expectedDescription(ReachabilityFlags flags, bool onDevice) {
   std::string text;
-  for (std::size_t i = 0; i < std::size(kColumns); ++i) {
-    const auto& column = kColumns[i];
-    if (i == 0 && !onDevice) {
-      text += 'X';
-    } else if (column.bit == 0) {
-      text += column.letter;
-    } else {
-      text += (flags & column.bit) ? column.letter : '-';
-    }
-  }
+  for (auto [bit, letter] : kColumns) text += bit == 0 || (flags & bit) ? letter : '-';
+  if (!onDevice) text[0] = 'X';
   return text;
 }
 
 TEST(ReachabilityDecisions, ConnectionAndDescriptionForEveryCombinationOfTheFlags) {
-  std::array<int, 3> seen{};  // none, wifi, cellular
-  for (unsigned combination = 0; combination < (1u << kBits.size()); ++combination) {
-    auto flags = flagsForCombination(combination);
+  const ReachabilityFlags bits[] = {rf::kReachable, rf::kConnectionRequired, rf::kConnectionOnTraffic,
+                                    rf::kInterventionRequired, rf::kConnectionOnDemand, rf::kIsWWAN,
+                                    rf::kTransientConnection, rf::kIsLocalAddress, rf::kIsDirect};
+  int seen[3] = {};  // each outcome occurs, so the enumeration really covers the rules
+  for (unsigned combination = 0; combination < (1u << std::size(bits)); ++combination) {
+    ReachabilityFlags flags = 0;
+    for (std::size_t i = 0; i < std::size(bits); ++i) {
+      if (combination & (1u << i)) flags |= bits[i];
+    }
+    SCOPED_TRACE(testing::Message() << "flags 0x" << std::hex << flags);
     for (bool allowsCellular : {true, false}) {
       auto got = connectionForFlags(flags, allowsCellular);
-      EXPECT_EQ(got, expectedConnection(flags, allowsCellular)) << "flags 0x" << std::hex << flags << std::dec
-                                                                << " cellular allowed " << allowsCellular;
+      EXPECT_EQ(got, expectedConnection(flags, allowsCellular)) << "cellular allowed " << allowsCellular;
       ++seen[static_cast<int>(got)];
     }
-    for (bool onDevice : {true, false}) {
-      EXPECT_EQ(describeFlags(flags, onDevice), expectedDescription(flags, onDevice))
-          << "flags 0x" << std::hex << flags << std::dec << " on device " << onDevice;
-    }
+    for (bool onDevice : {true, false}) EXPECT_EQ(describeFlags(flags, onDevice), expectedDescription(flags, onDevice));
   }
-  // Every outcome occurs (the enumeration really covers the rules).
   for (int count : seen) EXPECT_GT(count, 0);
   EXPECT_EQ(connectionForFlags(std::nullopt, true), Connection::none);
   EXPECT_EQ(describeFlags(std::nullopt, false), "unavailable flags");
@@ -124,11 +72,10 @@ class HeldQueue : public SerialQueue {
   HeldQueue() : SerialQueue("test.reachability") {}
   std::size_t runAll() {
     std::size_t ran = 0;
-    while (!tasks_.empty()) {
+    for (; !tasks_.empty(); ++ran) {
       auto task = std::move(tasks_.front());
       tasks_.pop_front();
       task();
-      ++ran;
     }
     return ran;
   }
@@ -159,27 +106,30 @@ class ReachabilityMonitorTest : public testing_support::BridgeTestFixture {
   void setNetwork(std::string_view flagsJson) {
     apply(std::string(R"({"device": {"network": {"flags": )") + std::string(flagsJson) + "}}}");
   }
-  /// Names of the notifications posted since the last call, with whether
-  /// their object was `monitor`.
-  std::vector<std::string> posted(const std::shared_ptr<H5Reachability>& monitor) {
-    std::vector<std::string> names;
+  /// Names of the notifications posted since the last call, marked by whether their object was `monitor`.
+  Lines posted(const std::shared_ptr<H5Reachability>& monitor) {
+    Lines names;
     for (auto& p : device.notifications().takePosted()) {
       names.push_back(p.name + (p.object.lock() == monitor ? " (monitor)" : " (other)"));
     }
     return names;
   }
   void runMain() { device.dispatch().runReady(); }
+  /// Starts `monitor`, runs its initial report (one post) and forgets what it reported.
+  void startQuietly(const std::shared_ptr<H5Reachability>& monitor) {
+    ASSERT_EQ(monitor->startNotifier(), std::nullopt);
+    runMain();
+    events.clear();
+    EXPECT_EQ(device.notifications().takePosted().size(), 1u);
+  }
 
-  std::vector<std::string> events;
+  Lines events;
 };
 
-using Lines = std::vector<std::string>;
-
-TEST_F(ReachabilityMonitorTest, StartingTwiceRegistersOnceAndReportsTheInitialState) {
+TEST_F(ReachabilityMonitorTest, StartingTwiceRegistersOnceAndStopAllowsARestart) {
   auto monitor = makeMonitor();
   EXPECT_FALSE(monitor->notifierRunning());
   EXPECT_EQ(monitor->flags(), std::nullopt);
-
   EXPECT_EQ(monitor->startNotifier(), std::nullopt);
   EXPECT_EQ(monitor->startNotifier(), std::nullopt);
   EXPECT_TRUE(monitor->notifierRunning());
@@ -187,28 +137,40 @@ TEST_F(ReachabilityMonitorTest, StartingTwiceRegistersOnceAndReportsTheInitialSt
   EXPECT_EQ(device.reachability().watchingHandles(), 1u);
   EXPECT_EQ(device.reachability().targets(), Lines{"0.0.0.0"});
   EXPECT_EQ(monitor->flags(), rf::kReachable);
-
-  // The initial change step's listener waits for the main queue.
-  EXPECT_TRUE(events.empty());
+  EXPECT_TRUE(events.empty());  // the initial report's listener waits for the main queue
   runMain();
   EXPECT_EQ(events, Lines{"reachable WiFi"});
   EXPECT_EQ(posted(monitor), Lines{"reachabilityChanged (monitor)"});
+
+  events.clear();
+  monitor->stopNotifier();
+  EXPECT_FALSE(monitor->notifierRunning());
+  EXPECT_EQ(device.reachability().watchingHandles(), 0u);
+  setNetwork(R"(["reachable", "isWWAN"])");
+  runMain();
+  EXPECT_TRUE(events.empty());
+  EXPECT_EQ(monitor->flags(), rf::kReachable);  // the last ones seen
+  EXPECT_EQ(monitor->connection(), Connection::wifi);
+  // A restart registers again and reports the state it finds changed; one that finds the same flags does not.
+  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
+  EXPECT_EQ(device.reachability().callbackRegistrations(), 2u);
+  runMain();
+  EXPECT_EQ(events, Lines{"reachable Cellular"});
+  monitor->stopNotifier();
+  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
+  runMain();
+  EXPECT_EQ(events, Lines{"reachable Cellular"});
 }
 
 TEST_F(ReachabilityMonitorTest, ChangesReachTheListenersOnTheMainQueueAfterTheMonitorsQueue) {
   auto queue = std::make_shared<HeldQueue>();
   auto monitor = makeMonitor(queue);
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  events.clear();
-  posted(monitor);
-
+  startQuietly(monitor);
   setNetwork(R"(["reachable", "isWWAN"])");
   EXPECT_EQ(queue->pending(), 1u);  // the platform callback, on the monitor's queue
   runMain();
   EXPECT_TRUE(events.empty());
   EXPECT_EQ(monitor->flags(), rf::kReachable);
-
   EXPECT_EQ(queue->runAll(), 1u);
   EXPECT_EQ(monitor->flags(), rf::kReachable | rf::kIsWWAN);
   EXPECT_TRUE(events.empty());  // not yet: the listener runs on the main queue
@@ -217,81 +179,88 @@ TEST_F(ReachabilityMonitorTest, ChangesReachTheListenersOnTheMainQueueAfterTheMo
   EXPECT_EQ(events, Lines{"reachable Cellular"});
   EXPECT_EQ(posted(monitor), Lines{"reachabilityChanged (monitor)"});
 
-  // Losing the network calls the other listener.
-  setNetwork("[]");
-  queue->runAll();
-  runMain();
+  auto change = [&](std::string_view flags) {
+    setNetwork(flags);
+    queue->runAll();
+    runMain();
+  };
+  change("[]");  // losing the network calls the other listener
   EXPECT_EQ(events, (Lines{"reachable Cellular", "unreachable No Connection"}));
   EXPECT_EQ(posted(monitor), Lines{"reachabilityChanged (monitor)"});
-
-  // The same flags again are no change.
-  setNetwork("0");
+  setNetwork("0");  // the same flags again are no change
   EXPECT_EQ(queue->pending(), 0u);
-}
 
-TEST_F(ReachabilityMonitorTest, RefusingCellularMakesACellularLinkUnreachable) {
-  auto monitor = makeMonitor();
+  // Refusing cellular makes a cellular link unreachable.
+  events.clear();
   monitor->allowsCellularConnection = false;
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  setNetwork(R"(["reachable", "isWWAN"])");
-  runMain();
-  setNetwork(R"(["reachable", "connectionRequired", "connectionOnTraffic"])");
-  runMain();
-  EXPECT_EQ(events, (Lines{"reachable WiFi", "unreachable No Connection", "reachable WiFi"}));
-  EXPECT_EQ(posted(monitor).size(), 3u);
+  change(R"(["reachable", "isWWAN"])");
+  change(R"(["reachable", "connectionRequired", "connectionOnTraffic"])");
+  EXPECT_EQ(events, (Lines{"unreachable No Connection", "reachable WiFi"}));
+  EXPECT_EQ(posted(monitor).size(), 2u);
 }
 
-TEST_F(ReachabilityMonitorTest, EveryRunningMonitorHearsOfAChange) {
+TEST_F(ReachabilityMonitorTest, EveryRunningMonitorHearsOfAChangeAndPostsToItsCentre) {
   auto first = makeMonitor();
   auto second = H5Reachability::makeForHostname("example.org").value();
   auto idle = makeMonitor();
-  int secondCalls = 0;
-  second->whenReachable = [&](H5Reachability&) { ++secondCalls; };
-  ASSERT_EQ(first->startNotifier(), std::nullopt);
-  ASSERT_EQ(second->startNotifier(), std::nullopt);
-  runMain();
-  events.clear();
-  secondCalls = 0;
-  device.notifications().takePosted();
+  H5Reachability* received = nullptr;
+  second->whenReachable = [&](H5Reachability& r) { received = &r; };
+  Lines observed;
+  auto token = device.notifications().addObserver(
+      std::string(kReachabilityChangedNotification), [&](const Notification& n) {
+        auto* r = dynamic_cast<H5Reachability*>(n.object.get());
+        observed.push_back(r ? r->currentReachabilityString() + (r == first.get() ? " first" : " other") : "none");
+      });
+  auto otherName = device.notifications().addObserver(std::string(ReachabilityChangedNotification),
+                                                      [&](const Notification&) { observed.push_back("other name"); });
+  startQuietly(first);
+  startQuietly(second);
+  EXPECT_EQ(received, second.get());
+  observed.clear();
+  received = nullptr;
 
   setNetwork(R"(["reachable", "isWWAN"])");
   runMain();
   EXPECT_EQ(events, Lines{"reachable Cellular"});  // `idle` never started
-  EXPECT_EQ(secondCalls, 1);
-  EXPECT_EQ(device.notifications().takePosted().size(), 2u);
+  EXPECT_EQ(received, second.get());
+  EXPECT_EQ(observed, (Lines{"Cellular first", "Cellular other"}));
   EXPECT_EQ(device.reachability().targets(), (Lines{"0.0.0.0", "example.org", "0.0.0.0"}));
+
+  // A monitor with its own centre posts there only.
+  auto own = std::make_shared<sim::SimNotificationCenter>();
+  first->notificationCenter = own;
+  setNetwork("[]");
+  runMain();
+  EXPECT_EQ(observed, (Lines{"Cellular first", "Cellular other", "No Connection other"}));
+  auto ownPosts = own->takePosted();
+  ASSERT_EQ(ownPosts.size(), 1u);
+  EXPECT_EQ(ownPosts[0].name, "reachabilityChanged");
 }
 
 TEST_F(ReachabilityMonitorTest, AMonitorThatIsGoneIsNotCalledAndStopsWatching) {
-  // Gone before its queued listener runs on the main queue.
+  // Gone while its initial listener is still queued on main.
   auto queue = std::make_shared<HeldQueue>();
   auto monitor = makeMonitor(queue);
   ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  monitor.reset();  // the initial listener is still queued on main
+  monitor.reset();
   EXPECT_EQ(device.reachability().watchingHandles(), 0u);
   runMain();
   EXPECT_TRUE(events.empty());
   EXPECT_TRUE(device.notifications().takePosted().empty());
 
+  // Gone after the change step ran, while its listener waits for main.
   monitor = makeMonitor(queue);
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  ASSERT_EQ(events, Lines{"reachable WiFi"});
-  events.clear();
-  device.notifications().takePosted();
+  startQuietly(monitor);
   setNetwork(R"(["reachable", "isWWAN"])");
-  ASSERT_EQ(queue->runAll(), 1u);  // the change step ran; its listener waits for main
+  ASSERT_EQ(queue->runAll(), 1u);
   monitor.reset();
   runMain();
   EXPECT_TRUE(events.empty());
   EXPECT_TRUE(device.notifications().takePosted().empty());
 
-  // Gone before the platform callback that was queued for it runs.
+  // Gone before the platform callback queued for it runs.
   monitor = makeMonitor(queue);
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  events.clear();
+  startQuietly(monitor);
   setNetwork("[]");
   EXPECT_EQ(queue->pending(), 1u);
   monitor.reset();
@@ -300,66 +269,7 @@ TEST_F(ReachabilityMonitorTest, AMonitorThatIsGoneIsNotCalledAndStopsWatching) {
   EXPECT_TRUE(events.empty());
 }
 
-TEST_F(ReachabilityMonitorTest, ListenersReceiveTheMonitorAndObserversTheNotification) {
-  auto monitor = makeMonitor();
-  H5Reachability* received = nullptr;
-  monitor->whenReachable = [&](H5Reachability& r) { received = &r; };
-  std::vector<std::string> observed;
-  auto token = device.notifications().addObserver(
-      std::string(kReachabilityChangedNotification), [&](const Notification& n) {
-        auto* r = dynamic_cast<H5Reachability*>(n.object.get());
-        observed.push_back(r ? r->currentReachabilityString() : "no monitor");
-      });
-  auto otherName = device.notifications().addObserver(std::string(ReachabilityChangedNotification),
-                                                      [&](const Notification&) { observed.push_back("other name"); });
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  EXPECT_EQ(received, monitor.get());
-  EXPECT_EQ(observed, Lines{"WiFi"});
-
-  // A monitor with its own centre posts there only.
-  auto own = std::make_shared<sim::SimNotificationCenter>();
-  monitor->notificationCenter = own;
-  setNetwork("[]");
-  runMain();
-  EXPECT_EQ(observed, Lines{"WiFi"});
-  auto ownPosts = own->takePosted();
-  ASSERT_EQ(ownPosts.size(), 1u);
-  EXPECT_EQ(ownPosts[0].name, "reachabilityChanged");
-}
-
-TEST_F(ReachabilityMonitorTest, StopNotifierStopsReportingAndAllowsARestart) {
-  auto monitor = makeMonitor();
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  events.clear();
-  posted(monitor);
-
-  monitor->stopNotifier();
-  EXPECT_FALSE(monitor->notifierRunning());
-  EXPECT_EQ(device.reachability().watchingHandles(), 0u);
-  setNetwork(R"(["reachable", "isWWAN"])");
-  runMain();
-  EXPECT_TRUE(events.empty());
-  // The stored flags are the last ones seen.
-  EXPECT_EQ(monitor->flags(), rf::kReachable);
-  EXPECT_EQ(monitor->connection(), Connection::wifi);
-
-  // A restart registers again and reports the state it finds changed.
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  EXPECT_EQ(device.reachability().callbackRegistrations(), 2u);
-  runMain();
-  EXPECT_EQ(events, Lines{"reachable Cellular"});
-
-  // A restart that finds the same flags reports nothing.
-  monitor->stopNotifier();
-  ASSERT_EQ(monitor->startNotifier(), std::nullopt);
-  runMain();
-  EXPECT_EQ(events, Lines{"reachable Cellular"});
-}
-
-/// The monitor's text queries in one line: its word, then R(eachable),
-/// W(WAN) and (Wi-)F(i) or "-".
+/// The text queries in one line: the word, then R(eachable), W(WAN) and (Wi-)F(i) or "-".
 std::string queries(H5Reachability& m) {
   return m.currentReachabilityString() + (m.isReachable() ? " R" : " -") + (m.isReachableViaWWAN() ? "W" : "-") +
          (m.isReachableViaWiFi() ? "F" : "-");
@@ -387,7 +297,6 @@ TEST_F(ReachabilityMonitorTest, QueriesFetchTheFlagsWhileNoneAreStored) {
   EXPECT_EQ(wifi->currentReachabilityStatus(), NetworkStatus::reachableViaWiFi);
   EXPECT_EQ(queries(*wifi), "WiFi R-F");
 
-  // Off a device the description starts with X.
   device.facts().onDevice = false;
   setNetwork(R"(["reachable", "isWWAN"])");
   auto simulator = makeMonitor();
@@ -395,18 +304,16 @@ TEST_F(ReachabilityMonitorTest, QueriesFetchTheFlagsWhileNoneAreStored) {
   EXPECT_EQ(simulator->description(), "XR -------");
 }
 
-TEST_F(ReachabilityMonitorTest, HandlesThatCannotBeMadeGiveTheirErrors) {
+TEST_F(ReachabilityMonitorTest, FailuresToMakeOrStartGiveTheirErrorsAndAFailedStartUndoesItsRegistration) {
   apply(R"({"device": {"network": {"reachabilityUnavailable": true}}})");
   auto internet = H5Reachability::makeForInternet();
   ASSERT_FALSE(internet.ok());
   EXPECT_EQ(internet.error().description(), "FailedToCreateWithAddress(0.0.0.0:0)");
-
   auto host = H5Reachability::makeForHostname("example.org");
   ASSERT_FALSE(host.ok());
   EXPECT_EQ(host.error().description(), "FailedToCreateWithHostname(example.org)");
-}
+  apply(R"({"device": {"network": {"reachabilityUnavailable": false}}})");
 
-TEST_F(ReachabilityMonitorTest, AFailedStartUndoesItsRegistration) {
   struct Case {
     const char* name;
     bool sim::SimReachability::*knob;
@@ -417,9 +324,9 @@ TEST_F(ReachabilityMonitorTest, AFailedStartUndoesItsRegistration) {
       {"queue refused", &sim::SimReachability::refuseQueue, ReachabilityError::Kind::UnableToSetDispatchQueue},
       {"flags unknown", &sim::SimReachability::flagsUnknown, ReachabilityError::Kind::UnableToGetInitialFlags},
   };
+  auto& service = device.reachability();
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    auto& service = device.reachability();
     service.*c.knob = true;
     auto monitor = makeMonitor();
     auto error = monitor->startNotifier();
@@ -435,12 +342,12 @@ TEST_F(ReachabilityMonitorTest, AFailedStartUndoesItsRegistration) {
     service.*c.knob = false;
   }
   // Without flags the queries answer as for no flags.
-  device.reachability().flagsUnknown = true;
+  service.flagsUnknown = true;
   auto monitor = makeMonitor();
   EXPECT_EQ(monitor->connection(), Connection::none);
   EXPECT_EQ(monitor->description(), "unavailable flags");
   EXPECT_FALSE(monitor->isReachable());
-  device.reachability().flagsUnknown = false;
+  service.flagsUnknown = false;
   EXPECT_EQ(monitor->connection(), Connection::wifi);
 }
 
