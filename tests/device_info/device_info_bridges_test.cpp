@@ -151,7 +151,7 @@ class AppInfoTest : public DeviceInfoBridgesTest {
 
 constexpr const char* kBare = R"({"appVersion":"3.2.1","h5Version":"5.6.0"})";
 
-TEST_F(AppInfoTest, TheHostsDictionaryIsAddedAndOnlyThenWrapped) {
+TEST_F(AppInfoTest, TheHostsDictionaryIsAddedAndOnlyThenWrappedEvenWhenItComesLate) {
   struct Case {
     const char* screen;
     std::string answer;
@@ -177,12 +177,7 @@ TEST_F(AppInfoTest, TheHostsDictionaryIsAddedAndOnlyThenWrapped) {
     EXPECT_EQ(call("vantuGetAppInfo", c.screen), Lines{c.answer});
     EXPECT_EQ(appInfoCalls(), c.asked);
   }
-  // Without an environment delegate the partial delegate's default fails, to the bare answer.
-  apply(R"({"environment": null})");
-  EXPECT_EQ(call("vantuGetAppInfo", "partial"), Lines{kBare});
-}
-
-TEST_F(AppInfoTest, ALateHostAnswerIsWaitedFor) {
+  // A late host answer is waited for.
   std::vector<std::string> answers;
   registry.dispatch("vantuGetAppInfo", H5HandlerInputParams(device.screen("late"), {}, [&](const Value& a) {
                       answers.push_back(json::write(a));
@@ -194,6 +189,10 @@ TEST_F(AppInfoTest, ALateHostAnswerIsWaitedFor) {
   EXPECT_TRUE(answers.empty());
   device.dispatch().advance(secondsToDuration(0.5));
   EXPECT_EQ(answers, Lines{R"({"data":{"appVersion":"3.2.1","h5Version":"5.6.0","app_info_pt":{"late":true}}})"});
+
+  // Without an environment delegate the partial delegate's default fails, to the bare answer.
+  apply(R"({"environment": null})");
+  EXPECT_EQ(call("vantuGetAppInfo", "partial"), Lines{kBare});
 }
 
 // --- The scenario section.
