@@ -18,7 +18,20 @@
 namespace vantu {
 namespace {
 
-using ContainerTest = testing_support::BridgeTestFixture;
+class ContainerTest : public testing_support::BridgeTestFixture {
+ protected:
+  /// Applies a container screen inside a navigation controller inside a tab bar controller; returns the screen.
+  std::shared_ptr<ViewController> containerScreen() {
+    apply(R"({"screens": [{"name": "tabs", "kind": "tabBar", "children": [
+      {"name": "nav", "kind": "navigation", "children": [{"name": "container"}]}]}]})");
+    device.effects()->take();
+    return device.screen("container");
+  }
+  std::shared_ptr<View> tabBar() { return std::dynamic_pointer_cast<TabBarController>(device.screen("tabs"))->tabBar(); }
+  std::shared_ptr<View> navigationBar() {
+    return std::dynamic_pointer_cast<NavigationController>(device.screen("nav"))->navigationBar();
+  }
+};
 
 // --- Errors.
 
@@ -231,75 +244,58 @@ TEST_F(ContainerTest, PresenterHelperPicksTheProviderOperationByTheConfigsFlag) 
   EXPECT_EQ(stub->answer->viewIfLoaded(), nullptr);
 }
 
-/// A container screen inside a navigation controller inside a tab bar controller, all simulated.
-struct ContainerScreen {
-  std::shared_ptr<sim::SimTabBarController> tabs;
-  std::shared_ptr<sim::SimNavigationController> nav;
-  std::shared_ptr<sim::SimViewController> screen;
-
-  explicit ContainerScreen(const std::shared_ptr<sim::EffectLog>& log)
-      : tabs(std::make_shared<sim::SimTabBarController>(log)),
-        nav(std::make_shared<sim::SimNavigationController>(log)),
-        screen(std::make_shared<sim::SimViewController>(log)) {
-    tabs->setName("tabs");
-    nav->setName("nav");
-    screen->setName("container");
-    tabs->addChild(nav);
-    nav->pushViewController(screen, false);
-  }
-};
-
 TEST_F(ContainerTest, ApplyingAConfigChangesOnlyWhatItAsksFor) {
   const Color red{1, 0, 0, 1};
+  const std::string barHidden = R"({"effect":"view","view":"nav.navigationBar","change":"hidden","value":true})";
+  const std::string redView = R"({"effect":"view","view":"container.view","change":"backgroundColor","value":"#ff0000"})";
   const struct {
     const char* name;
     bool hideTabBar, hideBottomBar, hideNavigationBar;
     std::optional<Color> bgColor;
+    testing_support::Strings effects;
   } kCases[] = {
-      {"nothing", false, false, false, std::nullopt},
-      {"tab bar", true, false, false, std::nullopt},
-      {"bottom bar", false, true, false, std::nullopt},
-      {"navigation bar", false, false, true, std::nullopt},
-      {"colour", false, false, false, red},
-      {"everything", true, true, true, red},
+      {"nothing", false, false, false, std::nullopt, {}},
+      {"tab bar", true, false, false, std::nullopt, {}},
+      {"bottom bar", false, true, false, std::nullopt, {}},
+      {"navigation bar", false, false, true, std::nullopt, {barHidden}},
+      {"colour", false, false, false, red, {redView}},
+      {"everything", true, true, true, red, {barHidden, redView}},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.name);
-    ContainerScreen ui(device.effects());
-    device.effects()->take();
+    auto screen = containerScreen();
     H5ProviderConfig config({}, "app", nullptr);
     config.hideTabBar = c.hideTabBar;
     config.hideBottomBar = c.hideBottomBar;
     config.hideNavigationBar = c.hideNavigationBar;
     config.bgColor = c.bgColor;
-    config.applyConfigurationsOn(*ui.screen);
+    config.applyConfigurationsOn(*screen);
 
-    EXPECT_EQ(ui.tabs->tabBar()->isHidden(), c.hideTabBar);
-    EXPECT_EQ(ui.screen->hidesBottomBarWhenPushed(), c.hideBottomBar);
-    EXPECT_EQ(ui.nav->navigationBar()->isHidden(), c.hideNavigationBar);
+    EXPECT_EQ(tabBar()->isHidden(), c.hideTabBar);
+    EXPECT_EQ(screen->hidesBottomBarWhenPushed(), c.hideBottomBar);
+    EXPECT_EQ(navigationBar()->isHidden(), c.hideNavigationBar);
     // Without a colour the root view is not even loaded.
-    EXPECT_EQ(ui.screen->viewIfLoaded() != nullptr, c.bgColor.has_value());
+    EXPECT_EQ(screen->viewIfLoaded() != nullptr, c.bgColor.has_value());
     if (c.bgColor) {
-      EXPECT_EQ(ui.screen->view()->backgroundColor(), c.bgColor);
-      auto effects = device.effects()->take();
-      ASSERT_EQ(effects.size(), 1u);
-      EXPECT_EQ(effects[0], (Dict{{"effect", "view"}, {"view", "container.view"}, {"change", "backgroundColor"},
-                                  {"value", "#ff0000"}}));
+      EXPECT_EQ(screen->view()->backgroundColor(), c.bgColor);
     }
+    testing_support::Strings effects;
+    for (const Dict& e : device.effects()->take()) effects.push_back(json::write(e));
+    EXPECT_EQ(effects, c.effects);
   }
 }
 
 TEST_F(ContainerTest, ApplyingAConfigNeverShowsOrClearsAnythingAndSkipsMissingBars) {
-  ContainerScreen ui(device.effects());
-  ui.tabs->tabBar()->setHidden(true);
-  ui.nav->navigationBar()->setHidden(true);
-  ui.screen->setHidesBottomBarWhenPushed(true);
-  ui.screen->view()->setBackgroundColor(Color{0, 0, 1, 1});
+  auto container = containerScreen();
+  tabBar()->setHidden(true);
+  navigationBar()->setHidden(true);
+  container->setHidesBottomBarWhenPushed(true);
+  container->view()->setBackgroundColor(Color{0, 0, 1, 1});
   H5ProviderConfig config({}, "app", nullptr);
-  config.applyConfigurationsOn(*ui.screen);
-  EXPECT_TRUE(ui.tabs->tabBar()->isHidden() && ui.nav->navigationBar()->isHidden());
-  EXPECT_TRUE(ui.screen->hidesBottomBarWhenPushed());
-  EXPECT_EQ(ui.screen->view()->backgroundColor(), (Color{0, 0, 1, 1}));
+  config.applyConfigurationsOn(*container);
+  EXPECT_TRUE(tabBar()->isHidden() && navigationBar()->isHidden());
+  EXPECT_TRUE(container->hidesBottomBarWhenPushed());
+  EXPECT_EQ(container->view()->backgroundColor(), (Color{0, 0, 1, 1}));
 
   // A screen without bar controllers still gets the rest.
   auto screen = std::make_shared<sim::SimViewController>(device.effects());
