@@ -1,31 +1,78 @@
 // The image decoder: the four formats it reads, everything it refuses, and
-// bad bytes of every kind, which must give nothing and never crash.
+// bad bytes of every kind, which must give nothing and never crash. The
+// files are made at test time (stb_image_write, from Debian's libstb-dev).
 
+#define STB_IMAGE_WRITE_STATIC
+#define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <gtest/gtest.h>
+#include <stb/stb_image_write.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
-#include "tests/alert_share/test_images.h"
 #include "vantu/core/image_decoder.h"
 #include "vantu/value/base64.h"
 
-namespace vantu::testing_support {
+namespace vantu {
 namespace {
 
-testing::AssertionResult near(const Image& image, std::size_t pixel, Rgba want, int tolerance) {
-  const std::size_t at = pixel * 4;
-  if (at + 3 >= image.bytes.size()) return testing::AssertionFailure() << "no pixel " << pixel;
-  const int got[4] = {image.bytes[at], image.bytes[at + 1], image.bytes[at + 2], image.bytes[at + 3]};
-  const int expected[4] = {want.r, want.g, want.b, want.a};
-  for (int i = 0; i < 4; ++i) {
-    if (std::abs(got[i] - expected[i]) > tolerance) {
-      return testing::AssertionFailure() << "pixel " << pixel << " is (" << got[0] << ", " << got[1] << ", " << got[2]
-                                         << ", " << got[3] << ")";
-    }
+using Bytes8 = std::vector<std::uint8_t>;
+struct Rgba {
+  std::uint8_t r, g, b, a;
+};
+
+Bytes8 solidPixels(int w, int h, Rgba c) {
+  Bytes8 pixels;
+  for (int i = 0; i < w * h; ++i) pixels.insert(pixels.end(), {c.r, c.g, c.b, c.a});
+  return pixels;
+}
+const Bytes8 kQuadrant{255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};  // red, green / blue, white
+
+enum class Format { png, jpeg, bmp, tga, hdr };
+/// `rgba` (w x h) as a file of `format`; HDR ignores it and is plain grey.
+Bytes8 encode(Format format, int w, int h, const Bytes8& rgba, int quality = 95) {
+  Bytes8 out;
+  auto append = [](void* context, void* data, int size) {
+    auto* to = static_cast<Bytes8*>(context);
+    to->insert(to->end(), static_cast<std::uint8_t*>(data), static_cast<std::uint8_t*>(data) + size);
+  };
+  const std::vector<float> grey(static_cast<std::size_t>(w * h * 3), 0.5f);
+  switch (format) {
+    case Format::png: stbi_write_png_to_func(append, &out, w, h, 4, rgba.data(), w * 4); break;
+    case Format::jpeg: stbi_write_jpg_to_func(append, &out, w, h, 4, rgba.data(), quality); break;
+    case Format::bmp: stbi_write_bmp_to_func(append, &out, w, h, 4, rgba.data()); break;
+    case Format::tga: stbi_write_tga_to_func(append, &out, w, h, 4, rgba.data()); break;
+    case Format::hdr: stbi_write_hdr_to_func(append, &out, w, h, 3, grey.data()); break;
   }
-  return testing::AssertionSuccess();
+  return out;
+}
+
+// A 2 x 1 GIF89a written byte by byte: a red pixel then a blue one.
+const Bytes8 kGif{
+    'G', 'I', 'F', '8', '9', 'a', 0x02, 0x00, 0x01, 0x00,  // header, screen 2 x 1
+    0x80, 0x00, 0x00, 0xFF, 0x00, 0x00, 0x00, 0x00, 0xFF,  // a global table of 2 colours: red, blue
+    0x2C, 0x00, 0x00, 0x00, 0x00, 0x02, 0x00, 0x01, 0x00, 0x00,  // a 2 x 1 image at (0, 0), no local table
+    0x02, 0x02, 0x44, 0x0A, 0x00, 0x3B,  // LZW size 2; codes clear, 0, 1, end; end of data; trailer
+};
+
+/// A real 1 x 1 PNG whose IHDR claims w x h (stb_image does not check chunk CRCs).
+Bytes8 pngClaiming(std::uint32_t w, std::uint32_t h) {
+  Bytes8 file = encode(Format::png, 1, 1, solidPixels(1, 1, {1, 2, 3, 255}));
+  for (int i = 0; i < 4; ++i) file[16 + i] = std::uint8_t(w >> (24 - 8 * i)), file[20 + i] = std::uint8_t(h >> (24 - 8 * i));
+  return file;
+}
+
+/// A 32-bit BMP header that claims w x h, then 16 bytes of pixels.
+Bytes8 bmpClaiming(std::int32_t w, std::int32_t h) {
+  Bytes8 out{'B', 'M'};
+  auto le = [&](std::uint32_t v, int bytes) {
+    for (int i = 0; i < bytes; ++i) out.push_back(std::uint8_t(v >> (8 * i)));
+  };
+  le(14 + 40 + 16, 4), le(0, 4), le(14 + 40, 4);  // file size, reserved, pixel data offset
+  le(40, 4), le(std::uint32_t(w), 4), le(std::uint32_t(h), 4), le(1, 2), le(32, 2);  // BITMAPINFOHEADER, planes, bits
+  for (int i = 0; i < 6; ++i) le(0, 4);  // BI_RGB and the rest
+  out.insert(out.end(), 16, 0x7F);
+  return out;
 }
 
 TEST(ImageDecoder, ReadsPngJpegGifAndBmp) {
@@ -38,36 +85,33 @@ TEST(ImageDecoder, ReadsPngJpegGifAndBmp) {
     int tolerance;
   };
   const Case cases[] = {
-      {"png 2x2", encodePng(2, 2, quadrantPixels()), 2, 2, {red, green, blue, white}, 0},
-      {"png with alpha", encodePng(1, 1, solidPixels(1, 1, {10, 20, 30, 40})), 1, 1, {{10, 20, 30, 40}}, 0},
+      {"png 2x2", encode(Format::png, 2, 2, kQuadrant), 2, 2, {red, green, blue, white}, 0},
+      {"png with alpha", encode(Format::png, 1, 1, solidPixels(1, 1, {10, 20, 30, 40})), 1, 1, {{10, 20, 30, 40}}, 0},
       // JPEG is lossy and has no alpha: solid blocks come back close.
-      {"jpeg 8x8", encodeJpeg(8, 8, solidPixels(8, 8, red)), 8, 8, {red, red}, 8},
-      {"gif 2x1", tinyGif(), 2, 1, {red, blue}, 0},
-      {"bmp 2x2", encodeBmp(2, 2, quadrantPixels()), 2, 2, {red, green, blue, white}, 0},
+      {"jpeg 8x8", encode(Format::jpeg, 8, 8, solidPixels(8, 8, red)), 8, 8, {red, red}, 8},
+      {"gif 2x1", kGif, 2, 1, {red, blue}, 0},
+      {"bmp 2x2", encode(Format::bmp, 2, 2, kQuadrant), 2, 2, {red, green, blue, white}, 0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     auto image = decodeImage(c.file);
     ASSERT_TRUE(image.has_value());
-    EXPECT_EQ(image->size, (Size{static_cast<double>(c.width), static_cast<double>(c.height)}));
-    EXPECT_EQ(image->bytes.size(), static_cast<std::size_t>(c.width * c.height * 4));
+    EXPECT_EQ(image->size, (Size{double(c.width), double(c.height)}));
+    ASSERT_EQ(image->bytes.size(), std::size_t(c.width * c.height * 4));
     EXPECT_TRUE(image->name.empty());
-    for (std::size_t i = 0; i < c.pixels.size(); ++i) EXPECT_TRUE(near(*image, i, c.pixels[i], c.tolerance));
+    for (std::size_t i = 0; i < c.pixels.size(); ++i) {
+      const int want[] = {c.pixels[i].r, c.pixels[i].g, c.pixels[i].b, c.pixels[i].a};
+      for (int k = 0; k < 4; ++k) EXPECT_NEAR(image->bytes[i * 4 + k], want[k], c.tolerance) << "pixel " << i;
+    }
   }
 }
 
 TEST(ImageDecoder, RefusesOtherFormatsAndNonImages) {
-  const Bytes8 pixels = solidPixels(2, 2, {1, 2, 3, 255});
-  const std::string ppm = "P6\n1 1\n255\n\x01\x02\x03";
-  const std::string text = "hello, this is not a picture";
-  struct Case {
-    const char* name;
-    Bytes8 bytes;
-  };
-  const Case cases[] = {
+  const std::string ppm = "P6\n1 1\n255\n\x01\x02\x03", text = "hello, this is not a picture";
+  const std::pair<const char*, Bytes8> cases[] = {
       {"empty", {}},
-      {"tga", encodeTga(2, 2, pixels)},
-      {"hdr", encodeHdr(2, 2)},
+      {"tga", encode(Format::tga, 2, 2, kQuadrant)},
+      {"hdr", encode(Format::hdr, 2, 2, {})},
       {"ppm", Bytes8(ppm.begin(), ppm.end())},
       {"text", Bytes8(text.begin(), text.end())},
       {"png signature only", Bytes8{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'}},
@@ -75,125 +119,99 @@ TEST(ImageDecoder, RefusesOtherFormatsAndNonImages) {
       {"gif header only", Bytes8{'G', 'I', 'F', '8', '9', 'a'}},
       {"bmp magic only", Bytes8{'B', 'M'}},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_FALSE(decodeImage(c.bytes).has_value());
-  }
+  for (const auto& [name, bytes] : cases) EXPECT_FALSE(decodeImage(bytes).has_value()) << name;
 }
 
 TEST(ImageDecoder, TruncatedFilesGiveNothing) {
-  // Every cut of a real file before its pixel data is complete.
-  const Bytes8 png = encodePng(4, 4, solidPixels(4, 4, {9, 8, 7, 255}));
-  // The last 12 bytes are the IEND chunk: cut anywhere before them.
-  for (std::size_t length = 0; length < png.size() - 12; ++length) {
-    SCOPED_TRACE("png cut to " + std::to_string(length));
-    EXPECT_FALSE(decodeImage(std::span(png).first(length)).has_value());
+  // Every cut before the pixel data is complete: a PNG's last 12 bytes are
+  // its IEND chunk, and no JPEG cut to 160 bytes holds its pixels.
+  const Bytes8 png = encode(Format::png, 4, 4, solidPixels(4, 4, {9, 8, 7, 255}));
+  const Bytes8 bmp = encode(Format::bmp, 3, 2, solidPixels(3, 2, {200, 10, 10, 255}));
+  const Bytes8 jpeg = encode(Format::jpeg, 8, 8, solidPixels(8, 8, {200, 10, 10, 255}));
+  const std::pair<const Bytes8*, std::size_t> files[] = {
+      {&png, png.size() - 12}, {&bmp, bmp.size()}, {&jpeg, std::min<std::size_t>(160, jpeg.size())}};
+  for (const auto& [file, cuts] : files) {
+    for (std::size_t length = 0; length < cuts; ++length) {
+      EXPECT_FALSE(decodeImage(std::span(*file).first(length)).has_value()) << "cut to " << length;
+    }
   }
   // A GIF cut before its first image gives nothing; one cut inside it is
   // read leniently, the missing pixels blank, as browsers show it.
-  const Bytes8 gif = tinyGif();
-  constexpr std::size_t kFirstImage = 19;  // header, screen descriptor, colour table
-  for (std::size_t length = 0; length < gif.size(); ++length) {
-    SCOPED_TRACE("gif cut to " + std::to_string(length));
-    auto image = decodeImage(std::span(gif).first(length));
-    if (length <= kFirstImage) {
-      EXPECT_FALSE(image.has_value());
+  for (std::size_t length = 0; length < kGif.size(); ++length) {
+    auto image = decodeImage(std::span(kGif).first(length));
+    if (length <= 19) {  // header, screen descriptor, colour table
+      EXPECT_FALSE(image.has_value()) << "gif cut to " << length;
     } else if (image) {
-      EXPECT_EQ(image->size, (Size{2, 1}));
+      EXPECT_EQ(image->size, (Size{2, 1})) << "gif cut to " << length;
     }
-  }
-  const Bytes8 bmp = encodeBmp(3, 2, solidPixels(3, 2, {200, 10, 10, 255}));
-  const Bytes8 jpeg = encodeJpeg(8, 8, solidPixels(8, 8, {200, 10, 10, 255}));
-  for (std::size_t length = 0; length < bmp.size() || length < 160; ++length) {
-    SCOPED_TRACE("bmp / jpeg cut to " + std::to_string(length));
-    if (length < bmp.size()) EXPECT_FALSE(decodeImage(std::span(bmp).first(length)).has_value());
-    if (length < 160 && length < jpeg.size()) EXPECT_FALSE(decodeImage(std::span(jpeg).first(length)).has_value());
   }
 }
 
-TEST(ImageDecoder, PicturesBeyondTheLimitsAreRefusedFromTheirHeader) {
-  // The files are tiny; only their headers claim the size.
-  EXPECT_TRUE(decodeImage(pngClaiming(1, 1)).has_value());
-  EXPECT_FALSE(decodeImage(pngClaiming(kMaxDecodedImageSide + 1, 1)).has_value());
-  EXPECT_FALSE(decodeImage(pngClaiming(1, kMaxDecodedImageSide + 1)).has_value());
-  EXPECT_FALSE(decodeImage(pngClaiming(0x7FFFFFFF, 0x7FFFFFFF)).has_value());
-  EXPECT_FALSE(decodeImage(pngClaiming(0, 1)).has_value());
-  EXPECT_FALSE(decodeImage(bmpClaiming(10000, 10000)).has_value());
-  EXPECT_FALSE(decodeImage(bmpClaiming(-16384, 16384)).has_value());
-  // Within the limits but without the pixels it promises: still nothing.
-  EXPECT_FALSE(decodeImage(pngClaiming(4000, 4000)).has_value());
-  EXPECT_FALSE(decodeImage(bmpClaiming(2, 3)).has_value());  // 16 bytes of pixels for 24
-  EXPECT_TRUE(decodeImage(bmpClaiming(2, 2)).has_value());   // exactly its 16 bytes
-  // A GIF holds at most 16384 pixels per byte of file.
-  Bytes8 gif = tinyGif();
-  gif[6] = 0x00, gif[7] = 0x20, gif[8] = 0x00, gif[9] = 0x10;  // a 8192 x 4096 screen in 35 bytes
-  EXPECT_FALSE(decodeImage(gif).has_value());
-  gif = tinyGif();
+TEST(ImageDecoder, ClaimsBeyondTheFileOrTheLimitsAreRefused) {
+  // The files are tiny; their headers, chunks or tables claim the rest.
+  std::vector<std::pair<std::string, Bytes8>> refused = {
+      {"png too wide", pngClaiming(kMaxDecodedImageSide + 1, 1)},
+      {"png too tall", pngClaiming(1, kMaxDecodedImageSide + 1)},
+      {"png 2^31 x 2^31", pngClaiming(0x7FFFFFFF, 0x7FFFFFFF)},
+      {"png 0 wide", pngClaiming(0, 1)},
+      {"png within the limits without its pixels", pngClaiming(4000, 4000)},
+      {"bmp 10000 x 10000", bmpClaiming(10000, 10000)},
+      {"bmp -16384 wide", bmpClaiming(-16384, 16384)},
+      {"bmp 2 x 3 with 16 bytes of pixels for 24", bmpClaiming(2, 3)},
+  };
+  // A GIF holds at most 16384 pixels per byte of file: not 8192 x 4096 in 35 bytes.
+  Bytes8 gif = kGif;
+  gif[6] = 0x00, gif[7] = 0x20, gif[8] = 0x00, gif[9] = 0x10;
+  refused.emplace_back("gif 8192 x 4096", gif);
+  // The IDAT chunk right after the 33 bytes of signature and IHDR claims
+  // 2 GB (refused before any memory is reserved for it); an empty first IDAT.
+  const Bytes8 png = encode(Format::png, 2, 2, kQuadrant);
+  Bytes8 huge = png, empty = png;
+  huge[33] = 0x7F, huge[34] = 0xFF, huge[35] = 0xFF, huge[36] = 0xF0;
+  refused.emplace_back("png idat of 2 GB", huge);
+  const Bytes8 emptyIdat{0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
+  empty.insert(empty.begin() + 33, emptyIdat.begin(), emptyIdat.end());
+  refused.emplace_back("png empty idat", empty);
+  // Huffman tables may claim up to 16 x 255 codes; one holds 256. Placed
+  // right after the start of image, and between the frame and the scan.
+  const Bytes8 jpeg = encode(Format::jpeg, 8, 8, solidPixels(8, 8, {90, 90, 90, 255}));
+  const std::uint8_t startOfScan[] = {0xFF, 0xDA};
+  const auto sos = std::size_t(std::search(jpeg.begin(), jpeg.end(), startOfScan, startOfScan + 2) - jpeg.begin());
+  ASSERT_LT(sos, jpeg.size());
+  for (int codes : {257, 510, 4080}) {
+    for (int table : {0x00, 0x13}) {  // a DC table 0, an AC table 3
+      Bytes8 dht{0xFF, 0xC4, 0x00, 0x13, std::uint8_t(table)};
+      for (int i = 0, left = codes; i < 16; ++i, left -= std::min(left, 255)) dht.push_back(std::uint8_t(std::min(left, 255)));
+      for (std::size_t at : {std::size_t{2}, sos}) {
+        Bytes8 bytes = jpeg;
+        bytes.insert(bytes.begin() + std::ptrdiff_t(at), dht.begin(), dht.end());
+        refused.emplace_back("jpeg with " + std::to_string(codes) + " codes in " + std::to_string(table) + " at " +
+                                 std::to_string(at), bytes);
+      }
+    }
+  }
+  for (const auto& [name, bytes] : refused) EXPECT_FALSE(decodeImage(bytes).has_value()) << name;
+  // The same files keeping their promises decode.
+  for (const Bytes8& bytes : {pngClaiming(1, 1), bmpClaiming(2, 2), png, jpeg}) EXPECT_TRUE(decodeImage(bytes).has_value());
   gif[6] = 0x10, gif[7] = 0x00, gif[8] = 0x10, gif[9] = 0x00;  // 16 x 16: plausible, read leniently
   auto lenient = decodeImage(gif);
   ASSERT_TRUE(lenient.has_value());
   EXPECT_EQ(lenient->size, (Size{16, 16}));
 }
 
-TEST(ImageDecoder, JpegHuffmanTablesWithTooManyCodesAreRefused) {
-  // A table header may claim up to 16 x 255 codes; a table holds 256.
-  const Bytes8 jpeg = encodeJpeg(8, 8, solidPixels(8, 8, {90, 90, 90, 255}));
-  ASSERT_TRUE(decodeImage(jpeg).has_value());
-  for (int codes : {257, 510, 4080}) {
-    SCOPED_TRACE(std::to_string(codes) + " codes");
-    for (int table : {0x00, 0x13}) {  // a DC table 0, an AC table 3
-      Bytes8 dht{0xFF, 0xC4, 0x00, 0x13, static_cast<std::uint8_t>(table)};
-      int left = codes;
-      for (int i = 0; i < 16; ++i) {
-        const int count = std::min(left, 255);
-        dht.push_back(static_cast<std::uint8_t>(count));
-        left -= count;
-      }
-      // Before the frame, right after the start of image...
-      Bytes8 early = jpeg;
-      early.insert(early.begin() + 2, dht.begin(), dht.end());
-      EXPECT_FALSE(decodeImage(early).has_value());
-      // ...and between the frame and the scan.
-      Bytes8 late = jpeg;
-      const std::uint8_t startOfScan[] = {0xFF, 0xDA};
-      const auto sos = std::search(late.begin(), late.end(), std::begin(startOfScan), std::end(startOfScan));
-      ASSERT_NE(sos, late.end());
-      late.insert(sos, dht.begin(), dht.end());
-      EXPECT_FALSE(decodeImage(late).has_value());
-    }
-  }
-}
-
-TEST(ImageDecoder, PngChunksMustFitTheFile) {
-  Bytes8 png = encodePng(2, 2, quadrantPixels());
-  ASSERT_TRUE(decodeImage(png).has_value());
-  // The IDAT chunk (right after the 33 bytes of signature and IHDR) claims
-  // 2 GB: refused before any memory is reserved for it.
-  Bytes8 huge = png;
-  huge[33] = 0x7F, huge[34] = 0xFF, huge[35] = 0xFF, huge[36] = 0xF0;
-  EXPECT_FALSE(decodeImage(huge).has_value());
-  // An empty first IDAT chunk.
-  Bytes8 empty{png.begin(), png.begin() + 33};
-  const Bytes8 emptyIdat{0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
-  empty.insert(empty.end(), emptyIdat.begin(), emptyIdat.end());
-  empty.insert(empty.end(), png.begin() + 33, png.end());
-  EXPECT_FALSE(decodeImage(empty).has_value());
-}
-
 TEST(ImageDecoder, AScanNamingAnUndefinedHuffmanTableDecodesFromZeroedTables) {
-  // stb_image uses an undefined table's memory as it finds it (fuzzing
-  // found reads far out of bounds that way). The decoder hands it zeroed
-  // memory, so such a table decodes as empty data, the same on every run.
-  Bytes8 jpeg = encodeJpeg(16, 8, solidPixels(16, 8, {30, 60, 90, 255}));
+  // stb_image reads an undefined table's memory as it finds it (fuzzing
+  // found reads far out of bounds that way); the decoder hands it zeroed
+  // memory, so the same empty data comes out on every run.
+  Bytes8 jpeg = encode(Format::jpeg, 16, 8, solidPixels(16, 8, {30, 60, 90, 255}));
   const std::uint8_t startOfScan[] = {0xFF, 0xDA};
   auto sos = std::search(jpeg.begin(), jpeg.end(), std::begin(startOfScan), std::end(startOfScan));
   ASSERT_LT(sos + 6, jpeg.end());
   for (std::uint8_t tables : {0x02, 0x30, 0x33}) {
-    SCOPED_TRACE(static_cast<int>(tables));
     Bytes8 bytes = jpeg;
-    bytes[static_cast<std::size_t>(sos - jpeg.begin()) + 6] = tables;  // the first component's DC / AC tables
+    bytes[std::size_t(sos - jpeg.begin()) + 6] = tables;  // the first component's DC / AC tables
     auto image = decodeImage(bytes);
-    ASSERT_TRUE(image.has_value());
+    ASSERT_TRUE(image.has_value()) << int(tables);
     EXPECT_EQ(image->size, (Size{16, 8}));
     EXPECT_EQ(decodeImage(bytes), image);
   }
@@ -221,32 +239,29 @@ TEST(ImageDecoder, MangledFilesNeverCrash) {
   // sanitizers in the asan build): any outcome but a crash is fine, and a
   // picture that does come out has a consistent size.
   std::mt19937 random(20240613);
-  const Bytes8 seeds[] = {
-      encodePng(2, 2, quadrantPixels()),
-      encodeJpeg(16, 16, solidPixels(16, 16, {120, 30, 200, 255}), 50),
-      tinyGif(),
-      encodeBmp(3, 3, solidPixels(3, 3, {5, 6, 7, 255})),
-  };
+  const Bytes8 seeds[] = {encode(Format::png, 2, 2, kQuadrant),
+                          encode(Format::jpeg, 16, 16, solidPixels(16, 16, {120, 30, 200, 255}), 50), kGif,
+                          encode(Format::bmp, 3, 3, solidPixels(3, 3, {5, 6, 7, 255}))};
   for (const Bytes8& seed : seeds) {
     for (int round = 0; round < 2000; ++round) {
       Bytes8 bytes = seed;
-      const int edits = 1 + static_cast<int>(random() % 8);
+      const int edits = 1 + int(random() % 8);
       for (int e = 0; e < edits && !bytes.empty(); ++e) {
         const std::size_t at = random() % bytes.size();
         switch (random() % 4) {
-          case 0: bytes[at] = static_cast<std::uint8_t>(random()); break;
-          case 1: bytes[at] ^= static_cast<std::uint8_t>(1u << (random() % 8)); break;
+          case 0: bytes[at] = std::uint8_t(random()); break;
+          case 1: bytes[at] ^= std::uint8_t(1u << (random() % 8)); break;
           case 2: bytes.resize(at); break;
-          default: bytes[at] = static_cast<std::uint8_t>(random() % 2 ? 0xFF : 0x00); break;
+          default: bytes[at] = random() % 2 ? 0xFF : 0x00; break;
         }
       }
       if (auto image = decodeImage(bytes)) {
-        ASSERT_EQ(image->bytes.size(), static_cast<std::size_t>(image->size.width * image->size.height * 4));
-        ASSERT_LE(image->size.width * image->size.height, static_cast<double>(kMaxDecodedImagePixels));
+        ASSERT_EQ(image->bytes.size(), std::size_t(image->size.width * image->size.height * 4));
+        ASSERT_LE(image->size.width * image->size.height, double(kMaxDecodedImagePixels));
       }
     }
   }
 }
 
 }  // namespace
-}  // namespace vantu::testing_support
+}  // namespace vantu
