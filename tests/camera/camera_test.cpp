@@ -20,7 +20,7 @@ TEST(CameraChoice, RearAndFrontMapOntoTheListedCameras) {
     std::vector<CameraInfo> cameras;
     std::optional<std::size_t> rear, front;
   };
-  const std::vector<Case> cases = {
+  const Case cases[] = {
       {{}, none, none},
       {{{"Integrated Camera", ""}}, 0, 0},
       // Unmarked: the first listed faces the user, the last the scene.
@@ -35,7 +35,7 @@ TEST(CameraChoice, RearAndFrontMapOntoTheListedCameras) {
       {{{"Front A", ""}, {"Front B", ""}}, 0, 0},
       {{{"x", "back"}}, 0, 0},
   };
-  for (std::size_t i = 0; i < cases.size(); ++i) {
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
     EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::rear), cases[i].rear) << "case " << i;
     EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::front), cases[i].front) << "case " << i;
   }
@@ -48,12 +48,10 @@ class CameraCapture : public ::testing::Test {
 };
 
 TEST_F(CameraCapture, FramesFromATestSourceArriveAsRgbaImagesOfItsSize) {
+  // BGRx in, so the pipeline's conversion to RGBA must put the channels in order.
   std::string error;
-  // BGRx in, so the pipeline's conversion to RGBA is exercised: the
-  // channels must come out in order.
   GstElement* source = sourceFromDescription(
-      "videotestsrc pattern=solid-color foreground-color=0xff102030 ! "
-      "capsfilter caps=video/x-raw,format=BGRx,width=50,height=30",
+      "videotestsrc pattern=solid-color foreground-color=0xff102030 ! capsfilter caps=video/x-raw,format=BGRx,width=50,height=30",
       error);
   ASSERT_NE(source, nullptr) << error;
   int frames = 0;
@@ -64,12 +62,12 @@ TEST_F(CameraCapture, FramesFromATestSourceArriveAsRgbaImagesOfItsSize) {
   ASSERT_EQ(failure, "");
   auto frame = session.latestFrame();
   ASSERT_NE(frame, nullptr);
-  EXPECT_EQ(frame->size.width, 50);
-  EXPECT_EQ(frame->size.height, 30);
+  EXPECT_EQ(frame->size, (Size{50, 30}));
   ASSERT_EQ(frame->bytes.size(), 50u * 30 * 4);
-  const std::vector<std::uint8_t> pixel = {0x10, 0x20, 0x30, 0xff};
-  EXPECT_EQ(std::vector<std::uint8_t>(frame->bytes.begin(), frame->bytes.begin() + 4), pixel);
-  EXPECT_EQ(std::vector<std::uint8_t>(frame->bytes.end() - 4, frame->bytes.end()), pixel);
+  const std::vector<std::uint8_t> pixel = {0x10, 0x20, 0x30, 0xff}, first(frame->bytes.begin(), frame->bytes.begin() + 4),
+                                  last(frame->bytes.end() - 4, frame->bytes.end());
+  EXPECT_EQ(first, pixel);
+  EXPECT_EQ(last, pixel);
   session.stop();
   const int seen = frames;
   dispatch->loop()->runUntilIdle();
@@ -77,12 +75,11 @@ TEST_F(CameraCapture, FramesFromATestSourceArriveAsRgbaImagesOfItsSize) {
 }
 
 TEST_F(CameraCapture, BrokenSourcesAreReported) {
-  std::string error;
+  std::string error, failure;
   EXPECT_EQ(sourceFromDescription("no-such-element-anywhere", error), nullptr);
   EXPECT_NE(error, "");
   GstElement* source = sourceFromDescription("v4l2src device=/nonexistent/video9", error);
   ASSERT_NE(source, nullptr) << error;
-  std::string failure;
   CameraSession session(dispatch, source, {}, [&](const std::string& message) { failure = message; });
   EXPECT_TRUE(runUntil([&] { return !failure.empty(); }));
   EXPECT_EQ(session.latestFrame(), nullptr);
@@ -100,7 +97,7 @@ TEST_F(CameraCapture, WithoutACameraOnlyTheLibrarySourcesAreAvailable) {
   EXPECT_EQ(application.createCameraSource(ImagePickerController::CameraDevice::front, error), nullptr);
   EXPECT_EQ(error, "no camera is connected");
 
-  application.setCameraScripted(true);
+  application.setCameraScripted(true);  // a scripted camera, or a configured source, is available
   EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
   application.setCameraScripted(false);
   application.setCameraSource("videotestsrc");
