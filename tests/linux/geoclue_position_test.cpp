@@ -1,7 +1,5 @@
 // The GeoClue position source against a private dbus-daemon started here,
-// with a small GeoClue service written with libgeoclue's skeletons: a fix
-// that arrives, a start that is refused, a bus without the service and no
-// bus at all. Waits are bounded only as safety nets.
+// with a small GeoClue service made of libgeoclue's skeletons.
 
 #ifdef VANTU_HAVE_GEOCLUE
 
@@ -16,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,13 +26,8 @@ namespace fs = std::filesystem;
 /// Runs GLib's default main context until `done()` or a 20 s safety net.
 bool iterateUntil(const std::function<bool()>& done) {
   bool expired = false;
-  guint timer = g_timeout_add_seconds(
-      20,
-      [](gpointer flag) {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &expired);
+  auto expire = [](gpointer flag) { return *static_cast<bool*>(flag) = true, gboolean(G_SOURCE_REMOVE); };
+  guint timer = g_timeout_add_seconds(20, expire, &expired);
   while (!done() && !expired) g_main_context_iteration(nullptr, TRUE);
   if (!expired) g_source_remove(timer);
   return done();
@@ -43,16 +37,11 @@ bool iterateUntil(const std::function<bool()>& done) {
 class PrivateBus {
  public:
   PrivateBus() {
-    dir_ = fs::temp_directory_path() / ("vantu-bus-" + std::to_string(::getpid()));
     fs::create_directories(dir_);
-    std::ofstream(dir_ / "bus.conf")
-        << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
-           " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-           "<busconfig><type>session</type><listen>unix:dir="
-        << dir_.string()
-        << "</listen><auth>EXTERNAL</auth><policy context=\"default\"><allow send_destination=\"*\"/>"
-           "<allow receive_sender=\"*\"/>"
-           "<allow own=\"*\"/></policy></busconfig>\n";
+    std::ofstream(dir_ / "bus.conf") << "<busconfig><type>session</type><listen>unix:dir=" << dir_.string()
+                                     << "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                                        "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                                        "<allow own=\"*\"/></policy></busconfig>\n";
     const std::string config = "--config-file=" + (dir_ / "bus.conf").string();
     const char* argv[] = {"dbus-daemon", config.c_str(), "--nofork", "--print-address=1", nullptr};
     gint out = -1;
@@ -64,23 +53,18 @@ class PrivateBus {
       g_error_free(error);
       return;
     }
-    char c;
-    while (::read(out, &c, 1) == 1 && c != '\n') address_ += c;
+    for (char c; ::read(out, &c, 1) == 1 && c != '\n';) address_ += c;
     ::close(out);
   }
   ~PrivateBus() {
-    if (pid_ > 0) {
-      ::kill(pid_, SIGTERM);
-      ::waitpid(pid_, nullptr, 0);
-      g_spawn_close_pid(pid_);
-    }
+    if (pid_ > 0) ::kill(pid_, SIGTERM), ::waitpid(pid_, nullptr, 0), g_spawn_close_pid(pid_);
     std::error_code ignored;
     fs::remove_all(dir_, ignored);
   }
   const std::string& address() const { return address_; }
 
  private:
-  fs::path dir_;
+  fs::path dir_ = fs::temp_directory_path() / ("vantu-bus-" + std::to_string(::getpid()));
   GPid pid_ = 0;
   std::string address_;
 };
@@ -88,9 +72,7 @@ class PrivateBus {
 /// GeoClue's manager, one client and its location, on the private bus.
 class FakeGeoClue {
  public:
-  enum class Start { GivesFix, Refused };
-
-  FakeGeoClue(const std::string& address, Start start) : start_(start) {
+  FakeGeoClue(const std::string& address, bool refuse) : refuse_(refuse) {
     connection_ = g_dbus_connection_new_for_address_sync(
         address.c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
@@ -99,17 +81,14 @@ class FakeGeoClue {
     EXPECT_NE(connection_, nullptr);
     export_(manager_, "/org/freedesktop/GeoClue2/Manager");
     export_(client_, kClientPath);
-    g_signal_connect(manager_, "handle-get-client", G_CALLBACK(+[](GClueManager* m, GDBusMethodInvocation* call) {
-                       gclue_manager_complete_get_client(m, call, kClientPath);
-                       return TRUE;
-                     }),
-                     nullptr);
-    g_signal_connect(client_, "handle-start",
-                     G_CALLBACK(+[](GClueClient* c, GDBusMethodInvocation* call, gpointer self) {
-                       static_cast<FakeGeoClue*>(self)->start(c, call);
-                       return TRUE;
-                     }),
-                     this);
+    auto getClient = +[](GClueManager* m, GDBusMethodInvocation* call) {
+      return gclue_manager_complete_get_client(m, call, kClientPath), TRUE;
+    };
+    auto start = +[](GClueClient* c, GDBusMethodInvocation* call, gpointer self) {
+      return static_cast<FakeGeoClue*>(self)->start(c, call), TRUE;
+    };
+    g_signal_connect(manager_, "handle-get-client", G_CALLBACK(getClient), nullptr);
+    g_signal_connect(client_, "handle-start", G_CALLBACK(start), this);
     GVariant* owned = g_dbus_connection_call_sync(
         connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
         g_variant_new("(su)", "org.freedesktop.GeoClue2", 0u), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
@@ -117,8 +96,7 @@ class FakeGeoClue {
     if (owned) g_variant_unref(owned);
   }
   ~FakeGeoClue() {
-    for (gpointer skeleton :
-         {static_cast<gpointer>(location_), static_cast<gpointer>(client_), static_cast<gpointer>(manager_)}) {
+    for (gpointer skeleton : {gpointer(location_), gpointer(client_), gpointer(manager_)}) {
       auto* exported = G_DBUS_INTERFACE_SKELETON(skeleton);
       if (g_dbus_interface_skeleton_get_connection(exported)) g_dbus_interface_skeleton_unexport(exported);
       g_object_unref(skeleton);
@@ -127,26 +105,21 @@ class FakeGeoClue {
     g_object_unref(connection_);
   }
 
-  std::string desktopId() const {
-    const gchar* id = gclue_client_get_desktop_id(client_);
-    return id ? id : "";
-  }
+  const gchar* desktopId() const { return gclue_client_get_desktop_id(client_); }
   guint accuracy() const { return gclue_client_get_requested_accuracy_level(client_); }
 
+ private:
   static constexpr const char* kClientPath = "/org/freedesktop/GeoClue2/Client/1";
   static constexpr const char* kLocationPath = "/org/freedesktop/GeoClue2/Client/1/Location/0";
 
- private:
   template <typename Skeleton>
   void export_(Skeleton* skeleton, const char* path) {
     EXPECT_TRUE(g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(skeleton), connection_, path, nullptr));
   }
-
   void start(GClueClient* client, GDBusMethodInvocation* call) {
-    if (start_ == Start::Refused) {
-      g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.AccessDenied",
-                                                 "'vantu-h5' disallowed, no agent for UID 0");
-      return;
+    if (refuse_) {
+      return g_dbus_method_invocation_return_dbus_error(call, "org.freedesktop.DBus.Error.AccessDenied",
+                                                        "'vantu-h5' disallowed, no agent for UID 0");
     }
     gclue_location_set_latitude(location_, 12.9715987);
     gclue_location_set_longitude(location_, 77.5945627);
@@ -155,64 +128,48 @@ class FakeGeoClue {
     gclue_client_emit_location_updated(client, "/", kLocationPath);
   }
 
-  Start start_;
+  bool refuse_;
   GDBusConnection* connection_ = nullptr;
   GClueManager* manager_ = gclue_manager_skeleton_new();
   GClueClient* client_ = gclue_client_skeleton_new();
   GClueLocation* location_ = gclue_location_skeleton_new();
 };
 
-using State = GeocluePosition::State;
-
-struct Watch {
-  std::vector<std::string> lines;
-  GeocluePositionOptions options(std::string address) {
-    GeocluePositionOptions o;
-    o.busAddress = std::move(address);
-    o.report = [this](std::string_view line) { lines.emplace_back(line); };
-    return o;
-  }
-};
-
-TEST(GeocluePosition, AFixFromTheServiceOnTheSystemBusBecomesTheLastKnownCoordinate) {
+TEST(GeocluePosition, AFixBecomesTheLastKnownCoordinateAndWithoutBusServiceOrPermissionThereIsOneLine) {
+  using State = GeocluePosition::State;
+  enum Service { none, givesFix, refuses };
   PrivateBus bus;
-  FakeGeoClue service(bus.address(), FakeGeoClue::Start::GivesFix);
-  ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
-  Watch watch;
-  GeocluePosition position(watch.options(""));
-  ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
-  EXPECT_EQ(position.lastKnown(), std::nullopt);
-  ASSERT_TRUE(iterateUntil([&] { return position.lastKnown().has_value(); }));
-  EXPECT_EQ(position.lastKnown(), (Coordinate{12.9715987, 77.5945627}));
-  EXPECT_EQ(position.state(), State::Running);
-  EXPECT_EQ(service.desktopId(), "vantu-h5");
-  EXPECT_EQ(service.accuracy(), static_cast<guint>(GCLUE_ACCURACY_LEVEL_EXACT));
-  EXPECT_TRUE(watch.lines.empty());
-}
-
-TEST(GeocluePosition, WithoutBusServiceOrPermissionThereIsNoFixAndOneLine) {
-  PrivateBus bus;
-  struct Row {
-    const char* name;
-    std::string address;
-    std::optional<FakeGeoClue::Start> service;
-    const char* step;
-  };
-  const Row rows[] = {
-      {"no bus", "unix:path=/nonexistent/vantu-bus", std::nullopt, "connecting to the system bus"},
-      {"no service", bus.address(), std::nullopt, "asking for a client"},
-      {"refused", bus.address(), FakeGeoClue::Start::Refused, "starting the client"},
+  // An empty address means the system bus (DBUS_SYSTEM_BUS_ADDRESS); no step: a fix arrives.
+  const struct { const char* name; std::string address; Service service; const char* step; } rows[] = {
+      {"a fix on the system bus", "", givesFix, nullptr},
+      {"no bus", "unix:path=/nonexistent/vantu-bus", none, "connecting to the system bus"},
+      {"no service", bus.address(), none, "asking for a client"},
+      {"refused", bus.address(), refuses, "starting the client"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     std::optional<FakeGeoClue> service;
-    if (row.service) service.emplace(row.address, *row.service);
-    Watch watch;
-    GeocluePosition position(watch.options(row.address));
-    ASSERT_TRUE(iterateUntil([&] { return position.state() == State::Failed; }));
+    if (row.service != none) service.emplace(bus.address(), row.service == refuses);
+    std::vector<std::string> lines;
+    GeocluePositionOptions options;
+    options.busAddress = row.address;
+    options.report = [&](std::string_view line) { lines.emplace_back(line); };
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.address().c_str(), 1);
+    GeocluePosition position(options);
+    ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     EXPECT_EQ(position.lastKnown(), std::nullopt);
-    ASSERT_EQ(watch.lines.size(), 1u);
-    EXPECT_NE(watch.lines[0].find(row.step), std::string::npos) << watch.lines[0];
+    ASSERT_TRUE(iterateUntil([&] { return position.lastKnown() || position.state() == State::Failed; }));
+    if (!row.step) {
+      EXPECT_EQ(position.lastKnown(), (Coordinate{12.9715987, 77.5945627}));
+      EXPECT_EQ(position.state(), State::Running);
+      EXPECT_STREQ(service->desktopId(), "vantu-h5");
+      EXPECT_EQ(service->accuracy(), static_cast<guint>(GCLUE_ACCURACY_LEVEL_EXACT));
+      EXPECT_TRUE(lines.empty());
+      continue;
+    }
+    EXPECT_EQ(position.lastKnown(), std::nullopt);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find(row.step), std::string::npos) << lines[0];
   }
 }
 

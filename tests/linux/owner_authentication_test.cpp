@@ -1,7 +1,5 @@
-// Owner authentication on Linux-PAM, run against real PAM stacks written to
-// a temporary configuration directory: pam_permit, pam_deny, a password
-// checked by pam_exec, a missing service and a broken module. The prompt is
-// a fake that answers from a script on the main thread.
+// Owner authentication on Linux-PAM against real PAM stacks written to a
+// temporary configuration directory, with a prompt answering from a script.
 
 #ifdef VANTU_HAVE_PAM
 
@@ -15,7 +13,6 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 #include <thread>
 
 #include "platforms/linux/linux_dispatch.h"
@@ -35,12 +32,7 @@ using Kind = AttemptVerdict::Kind;
 namespace codes = authentication_error;
 
 TEST(PamVerdict, EachPamResultMapsToRetryOrAPortCode) {
-  struct Row {
-    int pam;
-    bool cancelled;
-    int attempt;
-    AttemptVerdict expected;
-  };
+  struct Row { int pam; bool cancelled; int attempt; AttemptVerdict expected; };
   const Row rows[] = {
       {PAM_SUCCESS, false, 1, {Kind::Succeeded, 0}},
       {PAM_SUCCESS, true, 1, {Kind::Failed, codes::kUserCancel}},
@@ -73,15 +65,12 @@ TEST(PamSecret, ClearingOverwritesTheText) {
 
 /// Answers each prompt with the next scripted answer (nothing: cancel), or
 /// keeps the answer when the script has run out.
-class ScriptedPrompt : public PasswordPrompt {
- public:
+struct ScriptedPrompt : PasswordPrompt {
   std::deque<std::optional<std::string>> script;
   std::vector<Request> shown;
   std::vector<Answer> held;
   std::thread::id mainThread = std::this_thread::get_id();
   bool askedOffMain = false;
-
- protected:
   void show(Request request, Answer answer) override {
     askedOffMain |= std::this_thread::get_id() != mainThread;
     shown.push_back(std::move(request));
@@ -95,29 +84,22 @@ class ScriptedPrompt : public PasswordPrompt {
 class PamAuthenticationTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
-    dir() = fs::temp_directory_path() / ("vantu-pam-" + std::to_string(::getpid()));
-    fs::create_directories(dir());
-    const auto check = dir() / "check.sh";
+    dir = fs::temp_directory_path() / ("vantu-pam-" + std::to_string(::getpid()));
+    fs::create_directories(dir);
+    const auto check = dir / "check.sh";
     std::ofstream(check) << "#!/bin/sh\npw=$(tr -d '\\000'); [ \"$pw\" = right ]\n";
     fs::permissions(check, fs::perms::owner_all);
-    std::ofstream(dir() / "permit") << "auth required pam_permit.so\n";
-    std::ofstream(dir() / "deny") << "auth required pam_deny.so\n";
-    std::ofstream(dir() / "broken") << "auth required pam_vantu_absent_module.so\n";
+    std::ofstream(dir / "permit") << "auth required pam_permit.so\n";
+    std::ofstream(dir / "deny") << "auth required pam_deny.so\n";
+    std::ofstream(dir / "broken") << "auth required pam_vantu_absent_module.so\n";
     // A password that must be "right": the usual success-skips-deny stack.
-    std::ofstream(dir() / "checked") << "auth [success=1 default=ignore] pam_exec.so expose_authtok quiet "
+    std::ofstream(dir / "checked") << "auth [success=1 default=ignore] pam_exec.so expose_authtok quiet "
                                      << check.string() << "\nauth requisite pam_deny.so\nauth required pam_permit.so\n";
   }
-  static void TearDownTestSuite() { fs::remove_all(dir()); }
-  static fs::path& dir() {
-    static fs::path path;
-    return path;
-  }
+  static void TearDownTestSuite() { fs::remove_all(dir); }
+  static inline fs::path dir;
 
-  struct Outcome {
-    bool success = false;
-    std::optional<std::int64_t> code;
-    bool repliedOffMain = false;
-  };
+  struct Outcome { bool success = false; std::optional<std::int64_t> code; bool repliedOffMain = false; };
 
   /// Evaluates once and runs the main loop until the reply has come.
   Outcome evaluate(DeviceOwnerAuthentication& service) {
@@ -137,7 +119,7 @@ class PamAuthenticationTest : public ::testing::Test {
 
   std::shared_ptr<PamOwnerAuthentication> service(const std::string& name, std::shared_ptr<PasswordPrompt> with) {
     return std::make_shared<PamOwnerAuthentication>(dispatch, std::move(with),
-                                                    PamOwnerAuthenticationOptions{name, dir(), 3});
+                                                    PamOwnerAuthenticationOptions{name, dir, 3});
   }
 
   std::shared_ptr<LinuxDispatch> dispatch = std::make_shared<LinuxDispatch>();
@@ -146,11 +128,9 @@ class PamAuthenticationTest : public ::testing::Test {
 
 TEST_F(PamAuthenticationTest, StacksAndAnswersGiveTheirOutcome) {
   using Script = std::deque<std::optional<std::string>>;
-  struct Row {
-    const char* service;
-    Script script;
-    std::optional<std::int64_t> code;  // none: success
-    std::vector<int> failedBeforeEachPrompt;
+  struct Row {  // no code: success
+    const char* service; Script script; std::optional<std::int64_t> code; std::vector<int> failedBeforeEachPrompt;
+    bool withPrompt = true;
   };
   const Row rows[] = {
       {"permit", {}, std::nullopt, {}},
@@ -162,12 +142,14 @@ TEST_F(PamAuthenticationTest, StacksAndAnswersGiveTheirOutcome) {
       {"deny", {}, codes::kBiometryLockout, {}},
       {"absent", {}, codes::kPasscodeNotSet, {}},  // no such file and no "other"
       {"broken", {}, pam_error::kAuthenticationFailed, {}},
+      {"permit", {}, codes::kPasscodeNotSet, {}, false},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.service) + " with " + std::to_string(row.script.size()) + " answers");
+    SCOPED_TRACE(std::string(row.service) + " with " + std::to_string(row.script.size()) + " answers" +
+                 (row.withPrompt ? "" : ", no prompt"));
     prompt = std::make_shared<ScriptedPrompt>();
     prompt->script = row.script;
-    auto outcome = evaluate(*service(row.service, prompt));
+    auto outcome = evaluate(*service(row.service, row.withPrompt ? prompt : nullptr));
     EXPECT_EQ(outcome.success, !row.code);
     EXPECT_EQ(outcome.code, row.code);
     EXPECT_TRUE(outcome.repliedOffMain);
@@ -182,12 +164,6 @@ TEST_F(PamAuthenticationTest, StacksAndAnswersGiveTheirOutcome) {
     }
     EXPECT_EQ(failed, row.failedBeforeEachPrompt);
   }
-}
-
-TEST_F(PamAuthenticationTest, WithoutAPromptNothingIsAskedAndNoPasscodeIsReported) {
-  auto outcome = evaluate(*service("permit", nullptr));
-  EXPECT_EQ(outcome.code, codes::kPasscodeNotSet);
-  EXPECT_TRUE(outcome.repliedOffMain);
 }
 
 TEST_F(PamAuthenticationTest, DestroyingTheServiceEndsAWaitingEvaluation) {
@@ -206,13 +182,11 @@ TEST_F(PamAuthenticationTest, DestroyingTheServiceEndsAWaitingEvaluation) {
   prompt->held[0](Secret(std::string("right")));  // too late: ignored
 }
 
-TEST(LinuxBundle, OwnerAuthenticationGoesThroughPamAndGeocodingAnswersItsError) {
-  const auto config = fs::temp_directory_path() / ("vantu-pam-bundle-" + std::to_string(::getpid()));
-  fs::create_directories(config);
-  std::ofstream(config / "vantu-h5") << "auth required pam_permit.so\n";
+TEST_F(PamAuthenticationTest, TheBundlesOwnerAuthenticationGoesThroughPamAndGeocodingAnswersItsError) {
+  std::ofstream(dir / "vantu-h5") << "auth required pam_permit.so\n";
   LinuxPlatformOptions options;
-  options.passwordPrompt = std::make_shared<ScriptedPrompt>();
-  options.ownerAuthentication.configDirectory = config;
+  options.passwordPrompt = prompt;
+  options.ownerAuthentication.configDirectory = dir;
   auto bundle = makeLinuxPlatform(std::move(options));
   installPlatform(bundle.platform);
   std::vector<std::string> answers;
@@ -230,7 +204,6 @@ TEST(LinuxBundle, OwnerAuthenticationGoesThroughPamAndGeocodingAnswersItsError) 
                                                    std::string(LinuxGeocoder::kUnavailableDescription) + R"("}})",
                                                R"({"data":{"success":true}})"}));
   installPlatform(nullptr);
-  fs::remove_all(config);
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
-// The permission store (its file, the states each resource takes, a damaged
-// file set aside), the authorisation over it (questions joined per resource,
-// decided states answered without one, no prompt at all) and the location
-// services (managers told of answers and of settings edits). Everything runs
-// on the simulated dispatch, so the main queue and the writer queue run only
-// when the test runs them.
+// The permission store (its file, the states of each resource, a damaged file
+// set aside), the authorisation over it and the location services, all on the
+// simulated dispatch: the main and writer queues run only when the test runs them.
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -22,44 +20,32 @@ namespace fs = std::filesystem;
 using State = AuthorizationState;
 using Resource = ProtectedResource;
 
-class LinesConsole : public Console {
- public:
+struct LinesConsole : Console {
   std::vector<std::string> lines;
-
- protected:
   void write(std::string_view line) override { lines.emplace_back(line); }
 };
 
 /// Holds every question until the test answers it.
-class HeldPrompt : public ConsentPrompt {
- public:
+struct HeldPrompt : ConsentPrompt {
   std::vector<std::pair<Resource, Answer>> asked;
-
-  void answer(Resource resource, bool allowed) {
-    for (auto it = asked.begin(); it != asked.end(); ++it) {
-      if (it->first == resource) {
-        auto answer = std::move(it->second);
-        asked.erase(it);
-        return answer(allowed);
-      }
-    }
-    ADD_FAILURE() << "no question up for " << toString(resource);
-  }
-
- protected:
   void show(Resource resource, Answer answer) override { asked.emplace_back(resource, std::move(answer)); }
+  void answer(Resource resource, bool allowed) {
+    auto it = std::find_if(asked.begin(), asked.end(), [&](auto& question) { return question.first == resource; });
+    ASSERT_NE(it, asked.end()) << "no question up for " << toString(resource);
+    auto answer = std::move(it->second);
+    asked.erase(it);
+    answer(allowed);
+  }
 };
 
-class Recorder : public LocationManagerDelegate {
- public:
+struct Recorder : LocationManagerDelegate {
   std::vector<State> told;
   void locationManagerDidChangeAuthorization(State state) override { told.push_back(state); }
 };
 
 std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
   std::stringstream text;
-  text << in.rdbuf();
+  text << std::ifstream(path, std::ios::binary).rdbuf();
   return text.str();
 }
 
@@ -79,11 +65,15 @@ class Permissions : public ::testing::Test {
     return PermissionStore::open(directory, dispatch->makeSerialQueue("writer"), console);
   }
   fs::path file() const { return directory / PermissionStore::kFileName; }
+  std::shared_ptr<StoredAuthorization> authorization(bool withPrompt = true) {
+    return std::make_shared<StoredAuthorization>(store, dispatch, withPrompt ? prompt : nullptr);
+  }
 
   std::shared_ptr<sim::SimDispatch> dispatch = std::make_shared<sim::SimDispatch>();
   std::shared_ptr<LinesConsole> console = std::make_shared<LinesConsole>();
   fs::path directory;
   std::shared_ptr<PermissionStore> store;
+  std::shared_ptr<HeldPrompt> prompt = std::make_shared<HeldPrompt>();
 };
 
 TEST_F(Permissions, EveryStateOfEveryResourceSurvivesAReopen) {
@@ -147,29 +137,12 @@ TEST_F(Permissions, ADamagedFileIsKeptAsideAndEveryResourceStartsUndecided) {
   EXPECT_EQ(reopen()->state(Resource::contacts), State::restricted);
 }
 
-TEST_F(Permissions, DecidedStatesAreAnsweredOnTheMainQueueWithoutAQuestion) {
-  auto prompt = std::make_shared<HeldPrompt>();
-  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
-  const std::pair<Resource, State> decided[] = {{Resource::camera, State::denied},
-                                                {Resource::contacts, State::restricted},
-                                                {Resource::location, State::authorizedWhenInUse},
-                                                {Resource::photoLibrary, State::limited}};
-  std::vector<State> answers;
-  for (auto [resource, state] : decided) {
-    store->set(resource, state);
-    authorization->request(resource, [&](State s) { answers.push_back(s); });
-  }
-  EXPECT_TRUE(answers.empty());
-  dispatch->runReady();
-  EXPECT_EQ(answers, (std::vector<State>{State::denied, State::restricted, State::authorizedWhenInUse, State::limited}));
-  EXPECT_TRUE(prompt->asked.empty());
-}
-
-TEST_F(Permissions, RequestsWhileAQuestionIsUpShareItsStoredAnswer) {
-  auto prompt = std::make_shared<HeldPrompt>();
-  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
+TEST_F(Permissions, RequestsWhileAQuestionIsUpShareItsStoredAnswerAndDecidedOnesGetNoQuestion) {
+  auto authorization = this->authorization();
   std::vector<std::string> answers;
-  auto record = [&](const char* who) { return [&answers, who](State s) { answers.push_back(who + std::string(toString(s))); }; };
+  auto record = [&](std::string who) {
+    return [&answers, who](State s) { answers.push_back(who + std::string(toString(s))); };
+  };
   authorization->request(Resource::camera, record("a:"));
   authorization->request(Resource::camera, record("b:"));
   authorization->request(Resource::location, record("l:"));
@@ -183,34 +156,29 @@ TEST_F(Permissions, RequestsWhileAQuestionIsUpShareItsStoredAnswer) {
   EXPECT_EQ(reopened->state(Resource::camera), State::authorized);
   EXPECT_EQ(reopened->state(Resource::location), State::authorizedWhenInUse);
   EXPECT_EQ(reopened->state(Resource::microphone), State::denied);
-  // Decided now: a new request gets no question.
-  authorization->request(Resource::camera, record("c:"));
+
+  // Decided states (asked before, or set in the store) are answered on the main queue without a question.
+  answers.clear();
+  store->set(Resource::contacts, State::restricted);
+  store->set(Resource::photoLibrary, State::limited);
+  for (auto resource : {Resource::camera, Resource::contacts, Resource::location, Resource::microphone,
+                        Resource::photoLibrary}) {
+    authorization->request(resource, record(""));
+  }
+  EXPECT_TRUE(answers.empty());
   dispatch->runReady();
-  EXPECT_EQ(answers.back(), "c:authorized");
+  EXPECT_EQ(answers,
+            (std::vector<std::string>{"authorized", "restricted", "authorizedWhenInUse", "denied", "limited"}));
   EXPECT_TRUE(prompt->asked.empty());
 }
 
-TEST_F(Permissions, WithoutAPromptAnUndecidedRequestIsRefusedAndNothingIsStored) {
-  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, nullptr);
-  std::optional<State> answer;
-  authorization->request(Resource::speechRecognition, [&](State s) { answer = s; });
-  dispatch->runReady();
-  EXPECT_EQ(answer, State::denied);
-  EXPECT_EQ(reopen()->state(Resource::speechRecognition), State::notDetermined);
-}
-
 TEST_F(Permissions, LocationManagersAreToldOfAnswersAndOfSettingsEdits) {
-  auto prompt = std::make_shared<HeldPrompt>();
-  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, prompt);
   int fixes = 0;
-  auto services = LinuxLocationServices::make(store, authorization, dispatch, [&]() -> std::optional<Coordinate> {
+  auto services = LinuxLocationServices::make(store, authorization(), dispatch, [&]() -> std::optional<Coordinate> {
     return Coordinate{10.76 + fixes++, 106.66};
   });
-  auto first = std::make_shared<Recorder>();
-  auto second = std::make_shared<Recorder>();
-  auto one = services->makeManager();
-  auto two = services->makeManager();
-  auto gone = services->makeManager();
+  auto first = std::make_shared<Recorder>(), second = std::make_shared<Recorder>();
+  auto one = services->makeManager(), two = services->makeManager(), gone = services->makeManager();
   one->setDelegate(first);
   two->setDelegate(second);
   gone->setDelegate(first);
@@ -235,8 +203,15 @@ TEST_F(Permissions, LocationManagersAreToldOfAnswersAndOfSettingsEdits) {
   EXPECT_EQ(two->location(), (Coordinate{11.76, 106.66}));  // read afresh each time
 }
 
-TEST_F(Permissions, LocationWithoutPromptOrPositionSourceTellsARefusalAndHasNoFix) {
-  auto authorization = std::make_shared<StoredAuthorization>(store, dispatch, nullptr);
+TEST_F(Permissions, WithoutAPromptUndecidedRequestsAreRefusedAndNothingIsStored) {
+  auto authorization = this->authorization(false);
+  std::optional<State> answer;
+  authorization->request(Resource::speechRecognition, [&](State s) { answer = s; });
+  dispatch->runReady();
+  EXPECT_EQ(answer, State::denied);
+  EXPECT_EQ(reopen()->state(Resource::speechRecognition), State::notDetermined);
+
+  // The location services tell a refusal too, and without a position source there is no fix.
   auto services = LinuxLocationServices::make(store, authorization, dispatch, nullptr);
   auto recorder = std::make_shared<Recorder>();
   auto manager = services->makeManager();

@@ -9,8 +9,7 @@
 
 namespace vantu::linux_platform {
 
-/// Entries of `directory` (the count includes the descriptor opendir held).
-inline std::size_t countEntries(const char* directory) {
+inline std::size_t countEntries(const char* directory) {  // includes opendir's own descriptor
   std::size_t count = 0;
   if (DIR* dir = opendir(directory)) {
     while (dirent* entry = readdir(dir)) count += entry->d_name[0] != '.';
@@ -21,14 +20,13 @@ inline std::size_t countEntries(const char* directory) {
 inline std::size_t countOpenFiles() { return countEntries("/proc/self/fd"); }
 inline std::size_t countThreads() { return countEntries("/proc/self/task"); }
 
-/// The thread count once it is at most `limit`, or after a safety bound: the
-/// kernel removes a joined thread's /proc/self/task entry a moment later.
+/// The thread count once it is at most `limit` (a joined thread's task entry
+/// goes a moment later), or after a 10 s safety bound.
 inline std::size_t threadsSettledAtMost(std::size_t limit) {
   auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
   auto count = countThreads();
-  while (count > limit && std::chrono::steady_clock::now() < deadline) {
+  for (; count > limit && std::chrono::steady_clock::now() < deadline; count = countThreads()) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    count = countThreads();
   }
   return count;
 }

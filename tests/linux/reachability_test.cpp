@@ -1,16 +1,22 @@
-// Reachability on Linux without touching the network: the flag rules over
-// made-up snapshots, the rtnetlink message parser over hand-built messages,
-// what the service will make handles for, and that attaching and detaching
-// a monitor leaves no descriptor or thread behind.
+// Reachability on Linux: the flag rules over made-up snapshots, the rtnetlink
+// parser over hand-built messages, the service and its monitor on this host
+// (no descriptor or thread left behind), and a real kernel in a network
+// namespace of its own.
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
 #include <net/if_arp.h>
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -26,6 +32,7 @@ namespace vantu::linux_platform {
 namespace {
 
 namespace flag = reachability_flag;
+using namespace std::chrono_literals;
 constexpr unsigned kUp = IFF_UP | IFF_RUNNING;
 constexpr unsigned short kRawIp = 519;
 
@@ -38,11 +45,7 @@ DefaultRoute v6(int index, std::uint32_t metric = 0) { return DefaultRoute{AF_IN
 TEST(DerivedFlags, FollowTheDefaultRoute) {
   const auto lo = iface(1, "lo", kUp | IFF_LOOPBACK, ARPHRD_LOOPBACK);
   const ReachabilityFlags R = flag::kReachable, W = flag::kReachable | flag::kIsWWAN;
-  const struct {
-    const char* name;
-    NetworkSnapshot snapshot;
-    ReachabilityFlags flags;
-  } cases[] = {
+  const struct { const char* name; NetworkSnapshot snapshot; ReachabilityFlags flags; } cases[] = {
       {"nothing at all", {}, 0},
       {"interface up, no default route", {{lo, iface(2, "eth0")}, {}}, 0},
       {"default route over ethernet", {{lo, iface(2, "eth0")}, {v4(2, 100)}}, R},
@@ -68,7 +71,7 @@ TEST(DerivedFlags, FollowTheDefaultRoute) {
   }
 }
 
-// --- message building
+// --- hand-built rtnetlink messages
 
 using Bytes = std::vector<std::byte>;
 
@@ -77,35 +80,29 @@ Bytes bytesOf(const T& value) {
   auto* p = reinterpret_cast<const std::byte*>(&value);
   return Bytes(p, p + sizeof(T));
 }
-
 Bytes u32(std::uint32_t v) { return bytesOf(v); }
-Bytes text(const char* s) { return Bytes(reinterpret_cast<const std::byte*>(s), reinterpret_cast<const std::byte*>(s) + std::strlen(s) + 1); }
-void pad(Bytes& out) { out.resize((out.size() + 3) / 4 * 4); }
-
 Bytes& operator+=(Bytes& out, const Bytes& more) { return out.insert(out.end(), more.begin(), more.end()), out; }
+Bytes padded(Bytes b) { return b.resize((b.size() + 3) / 4 * 4), b; }
 
 Bytes attribute(unsigned short type, const Bytes& payload) {
   Bytes out = bytesOf(rtattr{static_cast<unsigned short>(RTA_LENGTH(payload.size())), type});
-  pad(out += payload);
-  return out;
+  return padded(out += payload);
 }
 
 template <typename Body>
-void appendMessage(Bytes& buffer, std::uint16_t type, const Body& body, const std::vector<Bytes>& attrs = {},
-                   std::uint16_t flags = 0) {
-  Bytes payload = bytesOf(body);
-  pad(payload);
+void appendMessage(Bytes& buffer, std::uint16_t type, const Body& body, const std::vector<Bytes>& attrs = {}) {
+  Bytes payload = padded(bytesOf(body));
   for (const auto& a : attrs) payload += a;
-  nlmsghdr header{.nlmsg_len = static_cast<std::uint32_t>(NLMSG_HDRLEN + payload.size()), .nlmsg_type = type,
-                  .nlmsg_flags = flags};
-  Bytes message = bytesOf(header);
+  Bytes message = bytesOf(nlmsghdr{.nlmsg_len = std::uint32_t(NLMSG_HDRLEN + payload.size()), .nlmsg_type = type});
   message.resize(NLMSG_HDRLEN);
   buffer += message += payload;
 }
 
 void appendLink(Bytes& buffer, int index, const char* name, unsigned flags, unsigned short type) {
+  auto* text = reinterpret_cast<const std::byte*>(name);
   ifinfomsg info{.ifi_family = AF_UNSPEC, .ifi_type = type, .ifi_index = index, .ifi_flags = flags};
-  appendMessage(buffer, RTM_NEWLINK, info, {attribute(IFLA_MTU, u32(1500)), attribute(IFLA_IFNAME, text(name))});
+  appendMessage(buffer, RTM_NEWLINK, info,
+                {attribute(IFLA_MTU, u32(1500)), attribute(IFLA_IFNAME, Bytes(text, text + std::strlen(name) + 1))});
 }
 
 rtmsg routeHeader(unsigned char family, unsigned char dstLen = 0, unsigned char table = RT_TABLE_MAIN,
@@ -118,9 +115,8 @@ Bytes nextHop(int index, unsigned char flags = 0) {
   in6_addr gateway{};
   gateway.s6_addr[0] = 0xfe, gateway.s6_addr[1] = 0x80;
   Bytes gw = attribute(RTA_GATEWAY, bytesOf(gateway));
-  rtnexthop hop{.rtnh_len = static_cast<unsigned short>(sizeof(rtnexthop) + gw.size()), .rtnh_flags = flags,
-                .rtnh_ifindex = index};
-  Bytes out = bytesOf(hop);
+  Bytes out = bytesOf(rtnexthop{.rtnh_len = static_cast<unsigned short>(sizeof(rtnexthop) + gw.size()),
+                                .rtnh_flags = flags, .rtnh_ifindex = index});
   return out += gw;
 }
 
@@ -185,26 +181,6 @@ TEST(NetlinkMessages, ErrorsAndMalformedLengthsFailWhileAcksAndTruncatedTailsDoN
   EXPECT_EQ(snapshot.interfaces[0].name, "");
 }
 
-TEST(LinuxReachabilityService, ReadsTheLiveLoopbackAndMakesHandlesForTheZeroAddressOnly) {
-  auto snapshot = readNetworkSnapshot();
-  ASSERT_TRUE(snapshot.has_value());
-  auto lo = std::find_if(snapshot->interfaces.begin(), snapshot->interfaces.end(), [](auto& i) { return i.name == "lo"; });
-  ASSERT_NE(lo, snapshot->interfaces.end());
-  EXPECT_EQ(lo->type, ARPHRD_LOOPBACK);
-  EXPECT_EQ(lo->index, static_cast<int>(if_nametoindex("lo")));
-
-  LinuxReachability service;
-  auto handle = service.handleForAddress(SocketAddress::zeroIPv4());
-  ASSERT_NE(handle, nullptr);
-  auto flags = handle->currentFlags();
-  ASSERT_TRUE(flags.has_value());
-  EXPECT_EQ(*flags & ~(flag::kReachable | flag::kIsWWAN), 0u);
-  SocketAddress other;
-  other.address = 0x7f000001;
-  EXPECT_EQ(service.handleForAddress(other), nullptr);
-  EXPECT_EQ(service.handleForHostname("example.com"), nullptr);
-}
-
 TEST(LinuxReachabilityService, TheMonitorTellsWhyItCannotMakeANamedTarget) {
   auto bundle = makeLinuxPlatform();
   installPlatform(bundle.platform);
@@ -228,14 +204,29 @@ TEST(LinuxReachabilityService, TheMonitorTellsWhyItCannotMakeANamedTarget) {
   installPlatform(nullptr);
 }
 
-TEST(LinuxReachabilityService, StartingAndStoppingTheMonitorLeaksNoDescriptorOrThread) {
+TEST(LinuxReachabilityService, ReadsTheLiveLoopbackWatchesTheZeroAddressOnlyAndLeavesNothingBehind) {
+  auto snapshot = readNetworkSnapshot();
+  ASSERT_TRUE(snapshot.has_value());
+  auto lo = std::find_if(snapshot->interfaces.begin(), snapshot->interfaces.end(), [](auto& i) { return i.name == "lo"; });
+  ASSERT_NE(lo, snapshot->interfaces.end());
+  EXPECT_EQ(lo->type, ARPHRD_LOOPBACK);
+  EXPECT_EQ(lo->index, static_cast<int>(if_nametoindex("lo")));
+
+  LinuxReachability service;
+  SocketAddress other;
+  other.address = 0x7f000001;
+  EXPECT_EQ(service.handleForAddress(other), nullptr);
+  EXPECT_EQ(service.handleForHostname("example.com"), nullptr);
+  auto handle = std::dynamic_pointer_cast<LinuxReachabilityHandle>(service.handleForAddress(SocketAddress::zeroIPv4()));
+  ASSERT_NE(handle, nullptr);
+  auto flags = handle->currentFlags();
+  ASSERT_TRUE(flags.has_value());
+  EXPECT_EQ(*flags & ~(flag::kReachable | flag::kIsWWAN), 0u);
+
+  // Attaching and detaching the monitor, many times, leaks no descriptor or thread.
   LinuxDispatch dispatch;
   auto queue = dispatch.makeSerialQueue("com.vantu.test.reachability");
   queue->sync([] {});  // its worker thread exists before counting
-  LinuxReachability service;
-  auto handle = std::dynamic_pointer_cast<LinuxReachabilityHandle>(service.handleForAddress(SocketAddress::zeroIPv4()));
-  ASSERT_NE(handle, nullptr);
-
   auto files = countOpenFiles();
   auto threads = countThreads();
   for (int i = 0; i < 200; ++i) {
@@ -261,6 +252,121 @@ TEST(LinuxReachabilityService, StartingAndStoppingTheMonitorLeaksNoDescriptorOrT
   handle.reset();
   EXPECT_EQ(countOpenFiles(), files);
   EXPECT_LE(threadsSettledAtMost(threads), threads);
+}
+
+// --- a real kernel: a forked child moves into a network namespace of its own
+// (only a loopback interface, down) and changes links and routes with iproute2.
+// Needs root and unshare(CLONE_NEWNET); skipped otherwise.
+
+constexpr int kPassed = 0, kFailed = 1, kSkipped = 77;
+
+struct Report {  // what the child tells its parent, through a pipe
+  int fd;
+  bool failed = false;
+  void say(const std::string& line) { [[maybe_unused]] auto n = ::write(fd, (line + "\n").data(), line.size() + 1); }
+  bool check(bool ok, const std::string& what) { return ok || (failed = true, say(what), false); }
+};
+
+/// Runs `ip ARGS` (output discarded); true when it succeeded.
+bool ip(const std::string& args) {
+  int status = std::system(("ip " + args + " >/dev/null 2>&1").c_str());
+  return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+int exercise(Report& report) {
+  if (geteuid() != 0) return report.say("needs root"), kSkipped;
+  if (unshare(CLONE_NEWNET) != 0) return report.say(std::string("unshare: ") + std::strerror(errno)), kSkipped;
+  if (!ip("link show lo")) return report.say("the ip command (iproute2) is not available"), kSkipped;
+
+  auto bundle = makeLinuxPlatform();
+  installPlatform(bundle.platform);
+  auto& loop = *bundle.loop;
+
+  auto handle = bundle.platform->reachability->handleForAddress(SocketAddress::zeroIPv4());
+  if (!report.check(handle != nullptr, "no handle for the zero address")) return kFailed;
+  auto flagsNow = [&] { return handle->currentFlags(); };
+  report.check(flagsNow() == ReachabilityFlags{0}, "a fresh namespace must not be reachable");
+
+  auto made = H5Reachability::makeForInternet();
+  if (!report.check(made.ok(), "makeForInternet failed")) return kFailed;
+  auto monitor = made.value();
+  std::vector<std::string> events;  // main queue only
+  monitor->whenReachable = [&](H5Reachability& r) {
+    events.push_back("reachable " + r.currentReachabilityString() + " " + r.description());
+  };
+  monitor->whenUnreachable = [&](H5Reachability& r) { events.push_back("unreachable " + r.description()); };
+  int posted = 0;
+  auto token = bundle.platform->notificationCenter->addObserver(std::string(kReachabilityChangedNotification),
+                                                                [&](const Notification&) { ++posted; });
+  report.check(!monitor->startNotifier().has_value(), "startNotifier failed");
+
+  auto waitForEvents = [&](std::size_t count, const std::string& step) {
+    bool arrived = loop.runUntil([&] { return events.size() >= count && posted >= static_cast<int>(count); }, 15s);
+    return report.check(arrived, "no notification after: " + step);
+  };
+  waitForEvents(1, "startNotifier");
+
+  // Each step: the ip commands, the flags after them, and whether a
+  // notification follows. Changes that leave the flags as they were
+  // (loopback up, addresses, the peer interfaces) must not be reported.
+  const ReachabilityFlags R = flag::kReachable, W = flag::kReachable | flag::kIsWWAN;
+  const struct { std::vector<std::string> commands; ReachabilityFlags flags; bool notifies; } steps[] = {
+      {{"link set lo up"}, 0, false},
+      {{"link add v0 type veth peer name v1", "addr add 10.99.0.2/24 dev v0", "link set v1 up", "link set v0 up"}, 0,
+       false},
+      {{"route add default via 10.99.0.1"}, R, true},
+      {{"route del default"}, 0, true},
+      {{"-6 route add default dev v0"}, R, true},
+      {{"link set v0 down"}, 0, true},
+      {{"link add wwan0 type veth peer name wwpeer", "link set wwpeer up", "link set wwan0 up",
+        "addr add 10.98.0.2/24 dev wwan0", "route add default via 10.98.0.1"},
+       W, true},
+      {{"link del wwan0"}, 0, true},
+  };
+  std::size_t expectedCount = 1;
+  for (const auto& step : steps) {
+    std::string what;
+    for (const auto& args : step.commands) what += "; ip " + args, report.check(ip(args), "ip " + args + " failed");
+    report.check(flagsNow() == step.flags, "unexpected flags after" + what);
+    if (step.notifies) waitForEvents(++expectedCount, what);
+  }
+
+  const std::vector<std::string> expected{"unreachable -- -------", "reachable WiFi -R -------",
+                                         "unreachable -- -------",  "reachable WiFi -R -------",
+                                         "unreachable -- -------",  "reachable Cellular WR -------",
+                                         "unreachable -- -------"};
+  if (!report.check(events == expected, "notifications differ from the expected sequence")) {
+    for (const auto& e : events) report.say("  got: " + e);
+  }
+  monitor->stopNotifier();
+  return report.failed ? kFailed : kPassed;
+}
+
+TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute) {
+  int fds[2];
+  ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    close(fds[0]);
+    alarm(150);  // never outlive the test's own time limit
+    Report report{fds[1]};
+    _exit(exercise(report));  // no exit handlers, no leak check of a half-torn-down child
+  }
+  close(fds[1]);
+  std::string output;
+  char buffer[512];
+  for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0 || (got < 0 && errno == EINTR);) {
+    output.append(buffer, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+  }
+  close(fds[0]);
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  if (WIFSIGNALED(status)) FAIL() << "the child died of signal " << WTERMSIG(status) << "\n" << output;
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == kSkipped) GTEST_SKIP() << output;
+  EXPECT_EQ(WEXITSTATUS(status), kPassed) << output;
+  EXPECT_EQ(output, "");
 }
 
 }  // namespace
