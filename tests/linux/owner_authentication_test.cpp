@@ -94,7 +94,7 @@ class PamAuthenticationTest : public ::testing::Test {
     std::ofstream(dir / "broken") << "auth required pam_vantu_absent_module.so\n";
     // A password that must be "right": the usual success-skips-deny stack.
     std::ofstream(dir / "checked") << "auth [success=1 default=ignore] pam_exec.so expose_authtok quiet "
-                                     << check.string() << "\nauth requisite pam_deny.so\nauth required pam_permit.so\n";
+                                   << check.string() << "\nauth requisite pam_deny.so\nauth required pam_permit.so\n";
   }
   static void TearDownTestSuite() { fs::remove_all(dir); }
   static inline fs::path dir;
