@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,16 +21,6 @@ namespace vantu::linux_platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Runs GLib's default main context until `done()` or a 20 s safety net.
-bool iterateUntil(const std::function<bool()>& done) {
-  bool expired = false;
-  auto expire = [](gpointer flag) { return *static_cast<bool*>(flag) = true, gboolean(G_SOURCE_REMOVE); };
-  guint timer = g_timeout_add_seconds(20, expire, &expired);
-  while (!done() && !expired) g_main_context_iteration(nullptr, TRUE);
-  if (!expired) g_source_remove(timer);
-  return done();
-}
 
 /// A dbus-daemon of this test's own, ended with the test.
 class PrivateBus {
@@ -70,8 +59,7 @@ class PrivateBus {
 };
 
 /// GeoClue's manager, one client and its location, on the private bus.
-class FakeGeoClue {
- public:
+struct FakeGeoClue {
   FakeGeoClue(const std::string& address, bool refuse) : refuse_(refuse) {
     connection_ = g_dbus_connection_new_for_address_sync(
         address.c_str(),
@@ -105,10 +93,6 @@ class FakeGeoClue {
     g_object_unref(connection_);
   }
 
-  const gchar* desktopId() const { return gclue_client_get_desktop_id(client_); }
-  guint accuracy() const { return gclue_client_get_requested_accuracy_level(client_); }
-
- private:
   static constexpr const char* kClientPath = "/org/freedesktop/GeoClue2/Client/1";
   static constexpr const char* kLocationPath = "/org/freedesktop/GeoClue2/Client/1/Location/0";
 
@@ -139,6 +123,7 @@ TEST(GeocluePosition, AFixBecomesTheLastKnownCoordinateAndWithoutBusServiceOrPer
   using State = GeocluePosition::State;
   enum Service { none, givesFix, refuses };
   PrivateBus bus;
+  auto expire = [](gpointer flag) { return *static_cast<bool*>(flag) = true, gboolean(G_SOURCE_REMOVE); };
   // An empty address means the system bus (DBUS_SYSTEM_BUS_ADDRESS); no step: a fix arrives.
   const struct { const char* name; std::string address; Service service; const char* step; } rows[] = {
       {"a fix on the system bus", "", givesFix, nullptr},
@@ -158,12 +143,18 @@ TEST(GeocluePosition, AFixBecomesTheLastKnownCoordinateAndWithoutBusServiceOrPer
     GeocluePosition position(options);
     ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
     EXPECT_EQ(position.lastKnown(), std::nullopt);
-    ASSERT_TRUE(iterateUntil([&] { return position.lastKnown() || position.state() == State::Failed; }));
+    // GLib's default main context runs until a fix or a failure, with a 20 s safety net.
+    auto done = [&] { return position.lastKnown() || position.state() == State::Failed; };
+    bool expired = false;
+    guint timer = g_timeout_add_seconds(20, expire, &expired);
+    while (!done() && !expired) g_main_context_iteration(nullptr, TRUE);
+    if (!expired) g_source_remove(timer);
+    ASSERT_TRUE(done());
     if (!row.step) {
       EXPECT_EQ(position.lastKnown(), (Coordinate{12.9715987, 77.5945627}));
       EXPECT_EQ(position.state(), State::Running);
-      EXPECT_STREQ(service->desktopId(), "vantu-h5");
-      EXPECT_EQ(service->accuracy(), static_cast<guint>(GCLUE_ACCURACY_LEVEL_EXACT));
+      EXPECT_STREQ(gclue_client_get_desktop_id(service->client_), "vantu-h5");
+      EXPECT_EQ(gclue_client_get_requested_accuracy_level(service->client_), guint(GCLUE_ACCURACY_LEVEL_EXACT));
       EXPECT_TRUE(lines.empty());
       continue;
     }

@@ -1,21 +1,17 @@
 #pragma once
 // Counts of this process's open descriptors and threads, read from /proc.
 
-#include <dirent.h>
-
 #include <chrono>
 #include <cstddef>
+#include <filesystem>
+#include <iterator>
 #include <thread>
 
 namespace vantu::linux_platform {
 
-inline std::size_t countEntries(const char* directory) {  // includes opendir's own descriptor
-  std::size_t count = 0;
-  if (DIR* dir = opendir(directory)) {
-    while (dirent* entry = readdir(dir)) count += entry->d_name[0] != '.';
-    closedir(dir);
-  }
-  return count;
+inline std::size_t countEntries(const char* directory) {  // includes the iterator's own descriptor
+  std::filesystem::directory_iterator entries(directory);
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 inline std::size_t countOpenFiles() { return countEntries("/proc/self/fd"); }
 inline std::size_t countThreads() { return countEntries("/proc/self/task"); }
