@@ -17,32 +17,28 @@ namespace vantu {
 namespace {
 
 using Bytes8 = std::vector<std::uint8_t>;
-struct Rgba {
-  std::uint8_t r, g, b, a;
-};
 
-Bytes8 solidPixels(int w, int h, Rgba c) {
+/// w x h pixels of one RGBA colour.
+Bytes8 solidPixels(int w, int h, const Bytes8& rgba) {
   Bytes8 pixels;
-  for (int i = 0; i < w * h; ++i) pixels.insert(pixels.end(), {c.r, c.g, c.b, c.a});
+  for (int i = 0; i < w * h; ++i) pixels.insert(pixels.end(), rgba.begin(), rgba.end());
   return pixels;
 }
 const Bytes8 kQuadrant{255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};  // red, green / blue, white
 
-enum class Format { png, jpeg, bmp, tga, hdr };
-/// `rgba` (w x h) as a file of `format`; HDR ignores it and is plain grey.
-Bytes8 encode(Format format, int w, int h, const Bytes8& rgba, int quality = 95) {
+enum class Format { png, jpeg, bmp, tga };
+/// `rgba` (w x h) as a file of `format`.
+Bytes8 encode(Format format, int w, int h, const Bytes8& rgba) {
   Bytes8 out;
   auto append = [](void* context, void* data, int size) {
     auto* to = static_cast<Bytes8*>(context);
     to->insert(to->end(), static_cast<std::uint8_t*>(data), static_cast<std::uint8_t*>(data) + size);
   };
-  const std::vector<float> grey(static_cast<std::size_t>(w * h * 3), 0.5f);
   switch (format) {
     case Format::png: stbi_write_png_to_func(append, &out, w, h, 4, rgba.data(), w * 4); break;
-    case Format::jpeg: stbi_write_jpg_to_func(append, &out, w, h, 4, rgba.data(), quality); break;
+    case Format::jpeg: stbi_write_jpg_to_func(append, &out, w, h, 4, rgba.data(), 95); break;
     case Format::bmp: stbi_write_bmp_to_func(append, &out, w, h, 4, rgba.data()); break;
     case Format::tga: stbi_write_tga_to_func(append, &out, w, h, 4, rgba.data()); break;
-    case Format::hdr: stbi_write_hdr_to_func(append, &out, w, h, 3, grey.data()); break;
   }
   return out;
 }
@@ -62,69 +58,38 @@ Bytes8 pngClaiming(std::uint32_t w, std::uint32_t h) {
   return file;
 }
 
-/// A 32-bit BMP header that claims w x h, then 16 bytes of pixels.
-Bytes8 bmpClaiming(std::int32_t w, std::int32_t h) {
-  Bytes8 out{'B', 'M'};
-  auto le = [&](std::uint32_t v, int bytes) {
-    for (int i = 0; i < bytes; ++i) out.push_back(std::uint8_t(v >> (8 * i)));
-  };
-  le(14 + 40 + 16, 4), le(0, 4), le(14 + 40, 4);  // file size, reserved, pixel data offset
-  le(40, 4), le(std::uint32_t(w), 4), le(std::uint32_t(h), 4), le(1, 2), le(32, 2);  // BITMAPINFOHEADER, planes, bits
-  for (int i = 0; i < 6; ++i) le(0, 4);  // BI_RGB and the rest
-  out.insert(out.end(), 16, 0x7F);
-  return out;
+/// Where a JPEG's start-of-scan marker is.
+std::size_t startOfScan(const Bytes8& jpeg) {
+  const std::uint8_t marker[] = {0xFF, 0xDA};
+  return std::size_t(std::search(jpeg.begin(), jpeg.end(), std::begin(marker), std::end(marker)) - jpeg.begin());
 }
 
 TEST(ImageDecoder, ReadsPngJpegGifAndBmp) {
-  const Rgba red{255, 0, 0, 255}, green{0, 255, 0, 255}, blue{0, 0, 255, 255}, white{255, 255, 255, 255};
-  struct Case {
-    const char* name;
-    Bytes8 file;
-    int width, height;
-    std::vector<Rgba> pixels;  // the first pixels, in order
-    int tolerance;
-  };
-  const Case cases[] = {
-      {"png 2x2", encode(Format::png, 2, 2, kQuadrant), 2, 2, {red, green, blue, white}, 0},
-      {"png with alpha", encode(Format::png, 1, 1, solidPixels(1, 1, {10, 20, 30, 40})), 1, 1, {{10, 20, 30, 40}}, 0},
+  const Bytes8 red{255, 0, 0, 255};
+  // The name, the file, its size, its first pixels' bytes and how far they may be off.
+  const std::tuple<const char*, Bytes8, Size, Bytes8, int> cases[] = {
+      {"png 2x2", encode(Format::png, 2, 2, kQuadrant), {2, 2}, kQuadrant, 0},
+      {"png with alpha", encode(Format::png, 1, 1, solidPixels(1, 1, {10, 20, 30, 40})), {1, 1}, {10, 20, 30, 40}, 0},
       // JPEG is lossy and has no alpha: solid blocks come back close.
-      {"jpeg 8x8", encode(Format::jpeg, 8, 8, solidPixels(8, 8, red)), 8, 8, {red, red}, 8},
-      {"gif 2x1", kGif, 2, 1, {red, blue}, 0},
-      {"bmp 2x2", encode(Format::bmp, 2, 2, kQuadrant), 2, 2, {red, green, blue, white}, 0},
+      {"jpeg 8x8", encode(Format::jpeg, 8, 8, solidPixels(8, 8, red)), {8, 8}, solidPixels(2, 1, red), 8},
+      {"gif 2x1", kGif, {2, 1}, {255, 0, 0, 255, 0, 0, 255, 255}, 0},
+      {"bmp 2x2", encode(Format::bmp, 2, 2, kQuadrant), {2, 2}, kQuadrant, 0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    auto image = decodeImage(c.file);
+  for (const auto& [name, file, size, first, tolerance] : cases) {
+    SCOPED_TRACE(name);
+    auto image = decodeImage(file);
     ASSERT_TRUE(image.has_value());
-    EXPECT_EQ(image->size, (Size{double(c.width), double(c.height)}));
-    ASSERT_EQ(image->bytes.size(), std::size_t(c.width * c.height * 4));
+    EXPECT_EQ(image->size, size);
+    ASSERT_EQ(image->bytes.size(), std::size_t(size.width * size.height * 4));
     EXPECT_TRUE(image->name.empty());
-    for (std::size_t i = 0; i < c.pixels.size(); ++i) {
-      const int want[] = {c.pixels[i].r, c.pixels[i].g, c.pixels[i].b, c.pixels[i].a};
-      for (int k = 0; k < 4; ++k) EXPECT_NEAR(image->bytes[i * 4 + k], want[k], c.tolerance) << "pixel " << i;
-    }
+    for (std::size_t i = 0; i < first.size(); ++i) EXPECT_NEAR(image->bytes[i], first[i], tolerance) << "byte " << i;
   }
-}
-
-TEST(ImageDecoder, RefusesOtherFormatsAndNonImages) {
-  const std::string ppm = "P6\n1 1\n255\n\x01\x02\x03", text = "hello, this is not a picture";
-  const std::pair<const char*, Bytes8> cases[] = {
-      {"empty", {}},
-      {"tga", encode(Format::tga, 2, 2, kQuadrant)},
-      {"hdr", encode(Format::hdr, 2, 2, {})},
-      {"ppm", Bytes8(ppm.begin(), ppm.end())},
-      {"text", Bytes8(text.begin(), text.end())},
-      {"png signature only", Bytes8{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'}},
-      {"jpeg markers only", Bytes8{0xFF, 0xD8, 0xFF, 0xD9}},
-      {"gif header only", Bytes8{'G', 'I', 'F', '8', '9', 'a'}},
-      {"bmp magic only", Bytes8{'B', 'M'}},
-  };
-  for (const auto& [name, bytes] : cases) EXPECT_FALSE(decodeImage(bytes).has_value()) << name;
 }
 
 TEST(ImageDecoder, TruncatedFilesGiveNothing) {
   // Every cut before the pixel data is complete: a PNG's last 12 bytes are
-  // its IEND chunk, and no JPEG cut to 160 bytes holds its pixels.
+  // its IEND chunk, and no JPEG cut to 160 bytes holds its pixels. A BMP
+  // missing rows would be read with zeros; the decoder refuses it.
   const Bytes8 png = encode(Format::png, 4, 4, solidPixels(4, 4, {9, 8, 7, 255}));
   const Bytes8 bmp = encode(Format::bmp, 3, 2, solidPixels(3, 2, {200, 10, 10, 255}));
   const Bytes8 jpeg = encode(Format::jpeg, 8, 8, solidPixels(8, 8, {200, 10, 10, 255}));
@@ -147,17 +112,15 @@ TEST(ImageDecoder, TruncatedFilesGiveNothing) {
   }
 }
 
-TEST(ImageDecoder, ClaimsBeyondTheFileOrTheLimitsAreRefused) {
-  // The files are tiny; their headers, chunks or tables claim the rest.
+TEST(ImageDecoder, OtherFormatsAndClaimsBeyondTheFileOrTheLimitsAreRefused) {
+  // One file per guard; the files are tiny, their headers, chunks or tables claim the rest.
+  const std::string text = "hello, this is not a picture";
   std::vector<std::pair<std::string, Bytes8>> refused = {
+      {"tga", encode(Format::tga, 2, 2, kQuadrant)},
+      {"text", Bytes8(text.begin(), text.end())},
       {"png too wide", pngClaiming(kMaxDecodedImageSide + 1, 1)},
-      {"png too tall", pngClaiming(1, kMaxDecodedImageSide + 1)},
-      {"png 2^31 x 2^31", pngClaiming(0x7FFFFFFF, 0x7FFFFFFF)},
       {"png 0 wide", pngClaiming(0, 1)},
       {"png within the limits without its pixels", pngClaiming(4000, 4000)},
-      {"bmp 10000 x 10000", bmpClaiming(10000, 10000)},
-      {"bmp -16384 wide", bmpClaiming(-16384, 16384)},
-      {"bmp 2 x 3 with 16 bytes of pixels for 24", bmpClaiming(2, 3)},
   };
   // A GIF holds at most 16384 pixels per byte of file: not 8192 x 4096 in 35 bytes.
   Bytes8 gif = kGif;
@@ -172,27 +135,19 @@ TEST(ImageDecoder, ClaimsBeyondTheFileOrTheLimitsAreRefused) {
   const Bytes8 emptyIdat{0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
   empty.insert(empty.begin() + 33, emptyIdat.begin(), emptyIdat.end());
   refused.emplace_back("png empty idat", empty);
-  // Huffman tables may claim up to 16 x 255 codes; one holds 256. Placed
+  // Huffman tables may claim up to 16 x 255 codes; one of 257 (DC table 0, then AC table 3)
   // right after the start of image, and between the frame and the scan.
   const Bytes8 jpeg = encode(Format::jpeg, 8, 8, solidPixels(8, 8, {90, 90, 90, 255}));
-  const std::uint8_t startOfScan[] = {0xFF, 0xDA};
-  const auto sos = std::size_t(std::search(jpeg.begin(), jpeg.end(), startOfScan, startOfScan + 2) - jpeg.begin());
-  ASSERT_LT(sos, jpeg.size());
-  for (int codes : {257, 510, 4080}) {
-    for (int table : {0x00, 0x13}) {  // a DC table 0, an AC table 3
-      Bytes8 dht{0xFF, 0xC4, 0x00, 0x13, std::uint8_t(table)};
-      for (int i = 0, left = codes; i < 16; ++i, left -= std::min(left, 255)) dht.push_back(std::uint8_t(std::min(left, 255)));
-      for (std::size_t at : {std::size_t{2}, sos}) {
-        Bytes8 bytes = jpeg;
-        bytes.insert(bytes.begin() + std::ptrdiff_t(at), dht.begin(), dht.end());
-        refused.emplace_back("jpeg with " + std::to_string(codes) + " codes in " + std::to_string(table) + " at " +
-                                 std::to_string(at), bytes);
-      }
-    }
+  ASSERT_LT(startOfScan(jpeg), jpeg.size());
+  for (auto [at, table] : {std::pair{std::size_t{2}, 0x00}, {startOfScan(jpeg), 0x13}}) {
+    Bytes8 bytes = jpeg, dht{0xFF, 0xC4, 0x00, 0x13, std::uint8_t(table), 255, 2};
+    dht.insert(dht.end(), 14, 0);
+    bytes.insert(bytes.begin() + std::ptrdiff_t(at), dht.begin(), dht.end());
+    refused.emplace_back("jpeg with 257 codes at " + std::to_string(at), bytes);
   }
   for (const auto& [name, bytes] : refused) EXPECT_FALSE(decodeImage(bytes).has_value()) << name;
   // The same files keeping their promises decode.
-  for (const Bytes8& bytes : {pngClaiming(1, 1), bmpClaiming(2, 2), png, jpeg}) EXPECT_TRUE(decodeImage(bytes).has_value());
+  for (const Bytes8& bytes : {pngClaiming(1, 1), png, jpeg}) EXPECT_TRUE(decodeImage(bytes).has_value());
   gif[6] = 0x10, gif[7] = 0x00, gif[8] = 0x10, gif[9] = 0x00;  // 16 x 16: plausible, read leniently
   auto lenient = decodeImage(gif);
   ASSERT_TRUE(lenient.has_value());
@@ -203,13 +158,11 @@ TEST(ImageDecoder, AScanNamingAnUndefinedHuffmanTableDecodesFromZeroedTables) {
   // stb_image reads an undefined table's memory as it finds it (fuzzing
   // found reads far out of bounds that way); the decoder hands it zeroed
   // memory, so the same empty data comes out on every run.
-  Bytes8 jpeg = encode(Format::jpeg, 16, 8, solidPixels(16, 8, {30, 60, 90, 255}));
-  const std::uint8_t startOfScan[] = {0xFF, 0xDA};
-  auto sos = std::search(jpeg.begin(), jpeg.end(), std::begin(startOfScan), std::end(startOfScan));
-  ASSERT_LT(sos + 6, jpeg.end());
-  for (std::uint8_t tables : {0x02, 0x30, 0x33}) {
+  const Bytes8 jpeg = encode(Format::jpeg, 16, 8, solidPixels(16, 8, {30, 60, 90, 255}));
+  ASSERT_LT(startOfScan(jpeg) + 6, jpeg.size());
+  for (std::uint8_t tables : {0x02, 0x30}) {  // an undefined DC table, then an undefined AC table
     Bytes8 bytes = jpeg;
-    bytes[std::size_t(sos - jpeg.begin()) + 6] = tables;  // the first component's DC / AC tables
+    bytes[startOfScan(jpeg) + 6] = tables;  // the first component's DC / AC tables
     auto image = decodeImage(bytes);
     ASSERT_TRUE(image.has_value()) << int(tables);
     EXPECT_EQ(image->size, (Size{16, 8}));
@@ -240,7 +193,7 @@ TEST(ImageDecoder, MangledFilesNeverCrash) {
   // picture that does come out has a consistent size.
   std::mt19937 random(20240613);
   const Bytes8 seeds[] = {encode(Format::png, 2, 2, kQuadrant),
-                          encode(Format::jpeg, 16, 16, solidPixels(16, 16, {120, 30, 200, 255}), 50), kGif,
+                          encode(Format::jpeg, 16, 16, solidPixels(16, 16, {120, 30, 200, 255})), kGif,
                           encode(Format::bmp, 3, 3, solidPixels(3, 3, {5, 6, 7, 255}))};
   for (const Bytes8& seed : seeds) {
     for (int round = 0; round < 2000; ++round) {
