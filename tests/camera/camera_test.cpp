@@ -16,13 +16,9 @@ constexpr auto kWait = std::chrono::seconds(30);
 
 TEST(CameraChoice, RearAndFrontMapOntoTheListedCameras) {
   constexpr auto none = std::optional<std::size_t>();
-  struct Case {
-    std::vector<CameraInfo> cameras;
-    std::optional<std::size_t> rear, front;
-  };
-  const Case cases[] = {
+  // The cameras, then the one opened for the rear and for the front.
+  const std::tuple<std::vector<CameraInfo>, std::optional<std::size_t>, std::optional<std::size_t>> cases[] = {
       {{}, none, none},
-      {{{"Integrated Camera", ""}}, 0, 0},
       // Unmarked: the first listed faces the user, the last the scene.
       {{{"Integrated Camera", ""}, {"USB Camera", ""}, {"Capture Card", ""}}, 2, 0},
       // A declared location beats the order and the names.
@@ -33,11 +29,10 @@ TEST(CameraChoice, RearAndFrontMapOntoTheListedCameras) {
       {{{"Backlit username cam", ""}, {"Other", ""}}, 1, 0},
       // Only the other side exists: the first camera still opens.
       {{{"Front A", ""}, {"Front B", ""}}, 0, 0},
-      {{{"x", "back"}}, 0, 0},
   };
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::rear), cases[i].rear) << "case " << i;
-    EXPECT_EQ(chooseCamera(cases[i].cameras, Facing::front), cases[i].front) << "case " << i;
+  for (const auto& [cameras, rear, front] : cases) {
+    EXPECT_EQ(chooseCamera(cameras, Facing::rear), rear) << cameras.size() << " cameras";
+    EXPECT_EQ(chooseCamera(cameras, Facing::front), front) << cameras.size() << " cameras";
   }
 }
 
@@ -96,15 +91,9 @@ TEST_F(CameraCapture, WithoutACameraOnlyTheLibrarySourcesAreAvailable) {
   std::string error;
   EXPECT_EQ(application.createCameraSource(ImagePickerController::CameraDevice::front, error), nullptr);
   EXPECT_EQ(error, "no camera is connected");
-
-  application.setCameraScripted(true);  // a scripted camera, or a configured source, is available
+  // A configured source makes the camera available: tests/gtk_e2e (the camera preview).
+  application.setCameraScripted(true);  // so does a scripted camera
   EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
-  application.setCameraScripted(false);
-  application.setCameraSource("videotestsrc");
-  EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
-  GstElement* source = application.createCameraSource(ImagePickerController::CameraDevice::rear, error);
-  ASSERT_NE(source, nullptr);
-  gst_object_unref(gst_object_ref_sink(source));
 }
 
 }  // namespace
