@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace vantu::base64 {
 namespace {
 
@@ -27,27 +25,24 @@ TEST(Base64Test, StandardVectors) {
   EXPECT_EQ(out, "data:Zm9vYg==");
 }
 
-// Random bytes of every length round-trip, and any split of them into pieces streams to the one-shot text.
-TEST(Base64Test, RandomBytesRoundTripAndStreamLikeOneShot) {
-  std::mt19937 rng(7);
-  for (std::size_t len = 0; len <= 200; ++len) {
-    std::vector<std::uint8_t> bytes(len);
-    for (auto& b : bytes) b = static_cast<std::uint8_t>(rng());
-    const std::string text = encode(bytes);
-    EXPECT_EQ(decode(text), bytes) << text;
-    for (std::size_t piece = 1; piece <= 8; ++piece) {
-      std::string out = "x";
-      StreamingEncoder encoder(out);
-      for (std::size_t at = 0; at < len; at += piece) {
-        encoder.append(std::span(bytes).subspan(at, std::min(piece, len - at)));
-      }
-      encoder.finish();
-      EXPECT_EQ(out, "x" + text) << len << " in pieces of " << piece;
-    }
-  }
+// Every byte value round-trips, and pieces that end inside a group stream to the one-shot text.
+TEST(Base64Test, EveryByteRoundTripsAndPiecesStreamLikeOneShot) {
   std::vector<std::uint8_t> all(256);
-  for (int i = 0; i < 256; ++i) all[i] = static_cast<std::uint8_t>(i);
+  for (int i = 0; i < 256; ++i) all[i] = static_cast<std::uint8_t>(255 - i);
   EXPECT_EQ(decode(encode(all)), all);
+  const std::vector<std::vector<const char*>> splits = {
+      {"foobar"}, {"f", "o", "o", "b", "a", "r"}, {"fo", "", "ob", "ar"}, {"f", "ooba", "r"}, {"foo", "b"},
+      {"foo", "b", "a"}};
+  for (const auto& pieces : splits) {
+    std::string out = "x", whole;
+    StreamingEncoder encoder(out);
+    for (const char* piece : pieces) {
+      encoder.append(bytesOf(piece));
+      whole += piece;
+    }
+    encoder.finish();
+    EXPECT_EQ(out, "x" + encode(bytesOf(whole))) << whole << " in " << pieces.size() << " pieces";
+  }
 }
 
 TEST(Base64Test, StrictDecodeRejectsWhatLenientDecodeSkips) {
