@@ -14,7 +14,7 @@ namespace {
 
 using RegistryTest = testing_support::BridgeTestFixture;
 
-// The answer to an unknown bridge is pinned by runtime's page_protocol_test and the basics example.
+// The answer to an unknown bridge is pinned by runtime's page_protocol_test and gtk_e2e's container_e2e_test.
 TEST_F(RegistryTest, HandlerIsMadeOnceAndAnewAfterRelease) {
   BridgeRegistry registry;
   int made = 0;

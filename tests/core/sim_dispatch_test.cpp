@@ -22,10 +22,8 @@ class SimDispatchTest : public testing_support::BridgeTestFixture {
  protected:
   sim::SimDispatch& loop() { return device.dispatch(); }
   std::shared_ptr<SerialQueue> main() { return device.dispatch().main(); }
+  /// Notes `name` and the virtual time it ran at.
   Task note(std::string name) {
-    return [this, name] { log.push_back(name); };
-  }
-  Task noteTime(std::string name) {
     return [this, name] {
       log.push_back(name + "@" + std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(loop().now()).count()));
     };
@@ -44,7 +42,7 @@ TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRunsAndGro
   serial->async(note("serial2"));
   EXPECT_TRUE(log.empty() && loop().hasReadyTasks());
   EXPECT_EQ(loop().runReady(), 5u);
-  EXPECT_EQ(log, (Log{"main1", "serial1", "main2", "serial2", "posted by main2"}));
+  EXPECT_EQ(log, (Log{"main1@0", "serial1@0", "main2", "serial2@0", "posted by main2@0"}));
   EXPECT_FALSE(loop().hasReadyTasks());
 
   // A group with nothing entered notifies at once, by posting (linux dispatch_test joins groups of work).
@@ -53,50 +51,42 @@ TEST_F(SimDispatchTest, TasksRunInPostOrderAcrossQueuesOnlyWhenTheLoopRunsAndGro
   empty.notify(main(), note("empty done"));
   EXPECT_TRUE(log.empty());
   loop().runReady();
-  EXPECT_EQ(log, (Log{"empty done"}));
+  EXPECT_EQ(log, (Log{"empty done@0"}));
 }
 
 TEST_F(SimDispatchTest, TimersRunWhenTheClockReachesThemInDueOrder) {
   auto serial = loop().makeSerialQueue("serial");
-  main()->asyncAfter(3s, noteTime("t3"));
-  main()->asyncAfter(1s, noteTime("t1a"));
-  main()->async(noteTime("now"));
-  serial->asyncAfter(2s, noteTime("t2"));
-  serial->asyncAfter(1s, noteTime("t1b"));
-  main()->asyncAfter(-5s, noteTime("negative"));
+  main()->asyncAfter(3s, note("t3"));
+  main()->asyncAfter(1s, note("t1a"));
+  main()->async(note("now"));
+  serial->asyncAfter(2s, note("t2"));
+  serial->asyncAfter(1s, note("t1b"));
+  main()->asyncAfter(-5s, note("negative"));
   loop().runReady();
   loop().advance(500ms);
   EXPECT_EQ(log, (Log{"now@0", "negative@0"}));
   EXPECT_EQ(loop().nextTimer(), Duration(1s));
-  loop().advance(600ms);
-  EXPECT_EQ(log.size(), 4u);
   loop().advance(5s);
   EXPECT_EQ(log, (Log{"now@0", "negative@0", "t1a@1000", "t1b@1000", "t2@2000", "t3@3000"}));
-  EXPECT_EQ(loop().now(), 6100ms);
+  EXPECT_EQ(loop().now(), 5500ms);
   EXPECT_EQ(loop().nextTimer(), std::nullopt);
 
   // A timer posted by a timer is due relative to its own time.
   log.clear();
   main()->asyncAfter(1s, [this] {
-    noteTime("first")();
+    note("first")();
     main()->asyncAfter(1s, [this] {
-      noteTime("second")();
-      main()->asyncAfter(2s, noteTime("third"));
-      main()->async(noteTime("follow-up"));
+      note("second")();
+      main()->asyncAfter(2s, note("third"));
+      main()->async(note("follow-up"));
     });
   });
   loop().advance(3s);
-  EXPECT_EQ(loop().nextTimer(), Duration(10100ms));
+  EXPECT_EQ(loop().nextTimer(), Duration(9500ms));
   loop().advance(1s);
-  EXPECT_EQ(log, (Log{"first@7100", "second@8100", "follow-up@8100", "third@10100"}));
-}
-
-TEST_F(SimDispatchTest, AdvancingByDecimalSecondsReachesMillisecondTimers) {
-  // 1.001 is just below 1001 ms as a double: truncation would miss the timer.
+  EXPECT_EQ(log, (Log{"first@6500", "second@7500", "follow-up@7500", "third@9500"}));
+  // 1.001 is just below 1001 ms as a double: truncation would miss a millisecond timer.
   EXPECT_EQ(secondsToDuration(1.001), 1001ms);
-  main()->asyncAfter(1001ms, note("timer"));
-  loop().advance(secondsToDuration(1.001));
-  EXPECT_EQ(log, (Log{"timer"}));
 }
 
 TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndFromOthersWaitsForTheLoopThatSettles) {
@@ -110,31 +100,24 @@ TEST_F(SimDispatchTest, SyncRunsInlineOnTheLoopThreadAndFromOthersWaitsForTheLoo
   });
   main()->async(note("next"));
   loop().runReady();
-  EXPECT_EQ(log, (Log{"inline", "outer", "nested", "after nested", "next"}));
+  EXPECT_EQ(log, (Log{"inline@0", "outer", "nested@0", "after nested", "next@0"}));
 
   // The worker starts only once the loop runs, so settle is already waiting;
-  // its sync blocks until the loop has run the task.
-  log.clear();
+  // its sync blocks until the loop has run the task. (An answer posted to main
+  // from a thread is pinned by runtime's page_protocol_test and runner case 03.)
   auto work = loop().beginOutstandingWork();
   std::promise<void> start;
   auto started = start.get_future();
   main()->async([&start] { start.set_value(); });
-  std::thread::id syncRanOn, completionRanOn;
+  std::thread::id syncRanOn;
   std::thread worker([&, work = std::move(work)]() mutable {
     started.wait();
     serial->sync([&] { syncRanOn = std::this_thread::get_id(); });
-    main()->async([&] {
-      completionRanOn = std::this_thread::get_id();
-      log.push_back("completion");
-    });
     work.reset();
   });
   EXPECT_TRUE(loop().settle(10s));
   worker.join();
   EXPECT_EQ(syncRanOn, std::this_thread::get_id());
-  EXPECT_EQ(completionRanOn, std::this_thread::get_id());
-  EXPECT_EQ(log, (Log{"completion"}));
-  EXPECT_EQ(loop().outstandingWork(), 0u);
 }
 
 }  // namespace
