@@ -26,7 +26,6 @@ struct Parts {
 };
 
 const Parts kValid[] = {
-    {.text = "https://example.com", .scheme = "https", .host = "example.com", .auth = true},
     {.text = "https://example.com:8443/a/b?x=1&y=2#top", .scheme = "https", .host = "example.com", .port = 8443,
      .path = "/a/b", .query = "x=1&y=2", .fragment = "top", .auth = true},
     // User info splits at its first colon.
@@ -37,7 +36,6 @@ const Parts kValid[] = {
     {.text = "ftp://@host/", .scheme = "ftp", .userInfo = "", .host = "host", .path = "/", .user = "", .auth = true},
     // IPv6 and future literals lose their brackets.
     {.text = "http://[::1]:8080", .scheme = "http", .host = "::1", .port = 8080, .auth = true, .ip = true},
-    {.text = "http://[2001:DB8::A]/x", .scheme = "http", .host = "2001:DB8::A", .path = "/x", .auth = true, .ip = true},
     {.text = "http://[1:2:3:4:5:6:7:8]", .scheme = "http", .host = "1:2:3:4:5:6:7:8", .auth = true, .ip = true},
     {.text = "http://[::ffff:192.0.2.1]", .scheme = "http", .host = "::ffff:192.0.2.1", .auth = true, .ip = true},
     {.text = "http://[fe80::1%25en0]/", .scheme = "http", .host = "fe80::1%en0", .path = "/", .auth = true, .ip = true},
@@ -45,7 +43,6 @@ const Parts kValid[] = {
     // No host part.
     {.text = "mailto:someone@example.com", .scheme = "mailto", .path = "someone@example.com"},
     {.text = "file:///a", .scheme = "file", .path = "/a", .auth = true},
-    {.text = "/relative", .path = "/relative"},
     {.text = "relative/path?q", .path = "relative/path", .query = "q"},
     {.text = "#only", .fragment = "only"},
     {.text = "localhost:8080", .scheme = "localhost", .path = "8080"},
@@ -56,7 +53,6 @@ const Parts kValid[] = {
     {.text = "HTTPS://WWW.EXAMPLE.COM/P", .scheme = "HTTPS", .host = "WWW.EXAMPLE.COM", .path = "/P", .auth = true},
     // The host is percent-decoded; the rest is not.
     {.text = "http://ex%61mple.com/%61", .scheme = "http", .host = "example.com", .path = "/%61", .auth = true},
-    {.text = "https://b\xC3\xBC" "cher.example", .scheme = "https", .host = "b\xC3\xBC" "cher.example", .auth = true},
     {.text = "http://a:/", .scheme = "http", .host = "a", .path = "/", .auth = true},
     {.text = "http://127.0.0.1:65535", .scheme = "http", .host = "127.0.0.1", .port = 65535, .auth = true},
     {.text = "http://h:0080", .scheme = "http", .host = "h", .port = 80, .auth = true},
@@ -100,14 +96,6 @@ TEST(UrlTest, RejectsTextThatIsNoUrl) {
       "http://host/\xF4\x90\x80\x80", "http://host/\xE2\x82", "http://%00host/", "http://h%FFost/",
   };
   for (const char* text : kInvalid) EXPECT_EQ(Url::parse(text), std::nullopt) << "'" << text << "'";
-}
-
-TEST(UrlTest, AsciiLowercasingLeavesOtherBytesAlone) {
-  EXPECT_EQ(asciiLowercased("WWW.Example.COM"), "www.example.com");
-  EXPECT_EQ(asciiLowercased("2001:DB8::A"), "2001:db8::a");
-  // "Ü" (C3 9C) is not folded; "ü" stays as it is.
-  EXPECT_EQ(asciiLowercased("B\xC3\x9C" "CHER.\xC3\xBC"), "b\xC3\x9C" "cher.\xC3\xBC");
-  EXPECT_EQ(asciiLowercased(""), "");
 }
 
 }  // namespace
