@@ -7,12 +7,8 @@
 
 #include <geoclue.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,42 +16,15 @@
 namespace vantu::linux_platform {
 namespace {
 
-namespace fs = std::filesystem;
-
-/// A dbus-daemon of this test's own, ended with the test.
-class PrivateBus {
- public:
-  PrivateBus() {
-    fs::create_directories(dir_);
-    std::ofstream(dir_ / "bus.conf") << "<busconfig><type>session</type><listen>unix:dir=" << dir_.string()
-                                     << "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
-                                        "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
-                                        "<allow own=\"*\"/></policy></busconfig>\n";
-    const std::string config = "--config-file=" + (dir_ / "bus.conf").string();
-    const char* argv[] = {"dbus-daemon", config.c_str(), "--nofork", "--print-address=1", nullptr};
-    gint out = -1;
-    GError* error = nullptr;
-    if (!g_spawn_async_with_pipes(nullptr, const_cast<char**>(argv), nullptr,
-                                  static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDERR_TO_DEV_NULL), nullptr,
-                                  nullptr, &pid_, nullptr, &out, nullptr, &error)) {
-      ADD_FAILURE() << error->message;
-      g_error_free(error);
-      return;
-    }
-    for (char c; ::read(out, &c, 1) == 1 && c != '\n';) address_ += c;
-    ::close(out);
-  }
+/// A dbus-daemon of this test's own (GLib's test bus), ended with the test.
+struct PrivateBus {
+  PrivateBus() { g_test_dbus_up(bus); }
   ~PrivateBus() {
-    if (pid_ > 0) ::kill(pid_, SIGTERM), ::waitpid(pid_, nullptr, 0), g_spawn_close_pid(pid_);
-    std::error_code ignored;
-    fs::remove_all(dir_, ignored);
+    g_test_dbus_down(bus);
+    g_object_unref(bus);
   }
-  const std::string& address() const { return address_; }
-
- private:
-  fs::path dir_ = fs::temp_directory_path() / ("vantu-bus-" + std::to_string(::getpid()));
-  GPid pid_ = 0;
-  std::string address_;
+  std::string address() const { return g_test_dbus_get_bus_address(bus); }
+  GTestDBus* bus = g_test_dbus_new(G_TEST_DBUS_NONE);
 };
 
 /// GeoClue's manager, one client and its location, on the private bus.

@@ -4,7 +4,6 @@
 // namespace of its own.
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
@@ -14,11 +13,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platforms/linux/linux_dispatch.h"
@@ -213,18 +212,8 @@ TEST(LinuxReachabilityService, WatchesTheZeroAddressOnlyAndLeavesNothingBehind) 
   EXPECT_LE(threadsSettledAtMost(threads), threads);
 }
 
-// --- a real kernel: a forked child moves into a network namespace of its own
-// (only a loopback interface, down) and changes links and routes with iproute2.
-// Needs root and unshare(CLONE_NEWNET); skipped otherwise.
-
-constexpr int kPassed = 0, kFailed = 1, kSkipped = 77;
-
-struct Report {  // what the child tells its parent, through a pipe
-  int fd;
-  bool failed = false;
-  void say(const std::string& line) { [[maybe_unused]] auto n = ::write(fd, (line + "\n").data(), line.size() + 1); }
-  bool check(bool ok, const std::string& what) { return ok || (failed = true, say(what), false); }
-};
+// --- a real kernel: a thread of this test moves into a network namespace of its own (only a loopback interface,
+// down) and changes links and routes with iproute2. Needs root and unshare(CLONE_NEWNET); skipped otherwise.
 
 /// Runs `ip ARGS` (output discarded); true when it succeeded.
 bool ip(const std::string& args) {
@@ -232,38 +221,34 @@ bool ip(const std::string& args) {
   return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-int exercise(Report& report) {
-  if (geteuid() != 0) return report.say("needs root"), kSkipped;
-  if (unshare(CLONE_NEWNET) != 0) return report.say(std::string("unshare: ") + std::strerror(errno)), kSkipped;
-  if (!ip("link show lo")) return report.say("the ip command (iproute2) is not available"), kSkipped;
-
+/// The namespace's thread; sets `skipped` when it cannot run.
+void exercise(std::string& skipped) {
+  if (geteuid() != 0 || unshare(CLONE_NEWNET) != 0 || !ip("link show lo")) {
+    skipped = "needs root, unshare(CLONE_NEWNET) and iproute2 (" + std::string(std::strerror(errno)) + ")";
+    return;
+  }
   auto bundle = makeLinuxPlatform();
   installPlatform(bundle.platform);
-  auto& loop = *bundle.loop;
-
   auto handle = bundle.platform->reachability->handleForAddress(SocketAddress::zeroIPv4());
-  if (!report.check(handle != nullptr, "no handle for the zero address")) return kFailed;
-  auto flagsNow = [&] { return handle->currentFlags(); };
-  report.check(flagsNow() == ReachabilityFlags{0}, "a fresh namespace must not be reachable");
+  ASSERT_NE(handle, nullptr);
+  EXPECT_EQ(handle->currentFlags(), ReachabilityFlags{0});  // a fresh namespace is not reachable
 
   auto made = H5Reachability::makeForInternet();
-  if (!report.check(made.ok(), "makeForInternet failed")) return kFailed;
+  ASSERT_TRUE(made.ok());
   auto monitor = made.value();
   std::vector<std::string> events;  // main queue only
   monitor->whenReachable = [&](H5Reachability& r) {
     events.push_back("reachable " + r.currentReachabilityString() + " " + r.description());
   };
   monitor->whenUnreachable = [&](H5Reachability& r) { events.push_back("unreachable " + r.description()); };
-  int posted = 0;
+  std::size_t posted = 0;
   auto token = bundle.platform->notificationCenter->addObserver(std::string(kReachabilityChangedNotification),
                                                                 [&](const Notification&) { ++posted; });
-  report.check(!monitor->startNotifier().has_value(), "startNotifier failed");
-
-  auto waitForEvents = [&](std::size_t count, const std::string& step) {
-    bool arrived = loop.runUntil([&] { return events.size() >= count && posted >= static_cast<int>(count); }, 15s);
-    return report.check(arrived, "no notification after: " + step);
+  EXPECT_EQ(monitor->startNotifier(), std::nullopt);
+  auto waitForEvents = [&](std::size_t count) {
+    return bundle.loop->runUntil([&] { return events.size() >= count && posted >= count; }, 15s);
   };
-  waitForEvents(1, "startNotifier");
+  EXPECT_TRUE(waitForEvents(1));
 
   // Each step: the ip commands, the flags after them, and whether a
   // notification follows. Changes that leave the flags as they were
@@ -284,48 +269,26 @@ int exercise(Report& report) {
   };
   std::size_t expectedCount = 1;
   for (const auto& step : steps) {
-    std::string what;
-    for (const auto& args : step.commands) what += "; ip " + args, report.check(ip(args), "ip " + args + " failed");
-    report.check(flagsNow() == step.flags, "unexpected flags after" + what);
-    if (step.notifies) waitForEvents(++expectedCount, what);
+    SCOPED_TRACE("ip " + step.commands.back());
+    for (const auto& args : step.commands) EXPECT_TRUE(ip(args)) << "ip " << args;
+    EXPECT_EQ(handle->currentFlags(), step.flags);
+    if (step.notifies) EXPECT_TRUE(waitForEvents(++expectedCount));
   }
-
-  const std::vector<std::string> expected{"unreachable -- -------", "reachable WiFi -R -------",
-                                         "unreachable -- -------",  "reachable WiFi -R -------",
-                                         "unreachable -- -------",  "reachable Cellular WR -------",
-                                         "unreachable -- -------"};
-  if (!report.check(events == expected, "notifications differ from the expected sequence")) {
-    for (const auto& e : events) report.say("  got: " + e);
-  }
+  EXPECT_EQ(events, (std::vector<std::string>{"unreachable -- -------", "reachable WiFi -R -------",
+                                              "unreachable -- -------", "reachable WiFi -R -------",
+                                              "unreachable -- -------", "reachable Cellular WR -------",
+                                              "unreachable -- -------"}));
   monitor->stopNotifier();
-  return report.failed ? kFailed : kPassed;
+  monitor.reset();
+  made = ReachabilityResult(ReachabilityError{});
+  bundle.loop->runUntilIdle();
+  installPlatform(nullptr);
 }
 
 TEST(ReachabilityInNetworkNamespace, FlagsAndNotificationsFollowTheDefaultRoute) {
-  int fds[2];
-  ASSERT_EQ(pipe2(fds, O_CLOEXEC), 0);
-  pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    close(fds[0]);
-    alarm(150);  // never outlive the test's own time limit
-    Report report{fds[1]};
-    _exit(exercise(report));  // no exit handlers, no leak check of a half-torn-down child
-  }
-  close(fds[1]);
-  std::string output;
-  char buffer[512];
-  for (ssize_t got; (got = read(fds[0], buffer, sizeof buffer)) > 0 || (got < 0 && errno == EINTR);) {
-    output.append(buffer, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-  }
-  close(fds[0]);
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  if (WIFSIGNALED(status)) FAIL() << "the child died of signal " << WTERMSIG(status) << "\n" << output;
-  ASSERT_TRUE(WIFEXITED(status));
-  if (WEXITSTATUS(status) == kSkipped) GTEST_SKIP() << output;
-  EXPECT_EQ(WEXITSTATUS(status), kPassed) << output;
-  EXPECT_EQ(output, "");
+  std::string skipped;
+  std::thread(exercise, std::ref(skipped)).join();  // the namespace ends with the thread
+  if (!skipped.empty()) GTEST_SKIP() << skipped;
 }
 
 }  // namespace
