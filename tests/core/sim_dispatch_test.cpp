@@ -68,7 +68,6 @@ TEST_F(SimDispatchTest, TimersRunWhenTheClockReachesThemInDueOrder) {
   EXPECT_EQ(loop().nextTimer(), Duration(1s));
   loop().advance(5s);
   EXPECT_EQ(log, (Log{"now@0", "negative@0", "t1a@1000", "t1b@1000", "t2@2000", "t3@3000"}));
-  EXPECT_EQ(loop().now(), 5500ms);
   EXPECT_EQ(loop().nextTimer(), std::nullopt);
 
   // A timer posted by a timer is due relative to its own time.
