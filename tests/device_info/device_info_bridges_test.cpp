@@ -166,17 +166,15 @@ TEST_F(DeviceInfoBridgesTest, TheDeviceSectionRejectsWhatItDoesNotKnowAndReadsEv
       {R"({"device": {"locale": 1}})", "device: \"locale\" must be a string or null"},
       {R"({"device": {"network": {"flags": ["reachable", "isWiFi"]}}})", "device: unknown reachability flag \"isWiFi\""},
       {R"({"device": {"network": {"flags": -1}}})", "device: \"network.flags\" must fit in 32 bits"},
-      {R"({"device": {"network": {"speed": 1}}})", "device: network: unknown field \"speed\""},
+      // With fields it would take: a rejected network object changes nothing of the network (checked below).
+      {R"({"device": {"network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": null, "speed": 1}}})",
+       "device: network: unknown field \"speed\""},
   };
   for (const auto& c : cases) {
     auto parsed = json::parse(c.scenario);
     ASSERT_TRUE(parsed.ok()) << c.scenario;
     EXPECT_EQ(device.apply(parsed.value()), std::optional<std::string>(c.reason)) << c.scenario;
   }
-  // A rejected network object changes nothing of the network.
-  auto parsed = json::parse(
-      R"({"device": {"network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": null, "speed": 1}}})");
-  ASSERT_TRUE(device.apply(parsed.value()).has_value());
   EXPECT_EQ(device.reachability().flags(), reachability_flag::kReachable);
   EXPECT_EQ(device.facts().radioAccessTechnology(), "CTRadioAccessTechnologyLTE");
 
