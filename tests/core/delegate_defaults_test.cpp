@@ -62,9 +62,9 @@ std::vector<Operation> operations(const std::shared_ptr<ViewController>& caller)
       {"trackWithOstrix",
        "trackWithOstrix(_:response:error:responseTime:reponseData:metrics:customMessage:additionalParams:handler:)",
        R"({"request":{"url":"https://h/x","method":"GET","headers":{},"timeout":60},"status":201,)"
-       R"("error":{"domain":"Net","code":5,"message":"down"},"responseTime":1.5,"responseDataLength":3,"hasMetrics":true})",
+       R"("error":{"domain":"N","code":5,"message":"x"},"responseTime":1.5,"responseDataLength":3,"hasMetrics":true})",
        [](VantuH5Delegate& d, DelegateHandler h) {
-         d.trackWithOstrix(UrlRequest{"https://h/x"}, HttpUrlResponse{"https://h/x", 201}, PlatformError{"Net", 5, "down"},
+         d.trackWithOstrix(UrlRequest{"https://h/x"}, HttpUrlResponse{"https://h/x", 201}, PlatformError{"N", 5, "x"},
                            1.5, Bytes{{1, 2, 3}}, TaskMetrics{}, "note", Dict{{"p", 1}}, h);
        }},
       {"getAppInfo", "getAppInfo(handler:)", "{}", [](VantuH5Delegate& d, DelegateHandler h) { d.getAppInfo(h); }},
