@@ -39,11 +39,11 @@ class DataStore : public StorageFixture {
 };
 
 TEST_F(DataStore, ReadsBackEveryKindDatesAsIsoTextAndMissingKeysAsEmptyText) {
-  Dict data{{"s", "text"}, {"i", 1}, {"d", 1.0}, {"b", true}, {"n", nullptr}, {"bytes", Bytes{{1, 2}}},
-            {"arr", Array{1, "1", 1.5, false}}, {"obj", Dict{{"z", 1}, {"a", Dict{{"q", Array{}}}}}}};
+  // Text, numbers, lists and dicts as a page sends them are pinned through the bridges by runner case 15.
+  Dict data{{"i", 1}, {"d", 1.0}, {"b", true}, {"bytes", Bytes{{1, 2}}}, {"arr", Array{1, 1.5, false, Dict{}}}};
   ASSERT_TRUE(save(app1, data).success);
   ASSERT_TRUE(suite(app1)->set("when", PreferenceDate{1714552200.25}).ok());  // as native code stores dates
-  auto got = get(app1, {"s", "i", "d", "b", "n", "bytes", "arr", "obj", "when", "missing", "s"});
+  auto got = get(app1, {"i", "d", "b", "bytes", "arr", "when", "missing", "i"});
   EXPECT_TRUE(got.calls == 1 && got.success && !got.error);
   data.set("when", "2024-05-01T08:30:00.250Z");
   data.set("missing", "");
@@ -52,8 +52,7 @@ TEST_F(DataStore, ReadsBackEveryKindDatesAsIsoTextAndMissingKeysAsEmptyText) {
 
 TEST_F(DataStore, EveryOperationTracksItsDomainEvenWithNothingToDo) {
   const std::string other = sandboxDomainName("other"), never = sandboxDomainName("never.saved");
-  auto saved = save(app1, Dict{});
-  EXPECT_TRUE(saved.calls == 1 && saved.success);
+  EXPECT_TRUE(save(app1, Dict{}).success);
   EXPECT_TRUE(remove(other, {"never-set"}).success);
   EXPECT_TRUE(get(never, {"k"}).success);
   Strings all{app1, other, never};
@@ -77,7 +76,6 @@ TEST_F(DataStore, OperationsRunInSubmissionOrder) {
 TEST_F(DataStore, WorkQueuedByAStoreThatIsGoneNeverCompletes) {
   int calls = 0;
   auto own = UserDefaultsDataStoreImpl::make();
-  EXPECT_EQ(own->serialbackgroundQueue()->label(), "com.vantu.UserDefaultsOpsProcessing");
   own->saveData(app1, Dict{{"k", 1}}, [&](bool, std::optional<PlatformError>) { ++calls; });
   own.reset();
   settle();
@@ -85,16 +83,13 @@ TEST_F(DataStore, WorkQueuedByAStoreThatIsGoneNeverCompletes) {
   EXPECT_FALSE(suite(app1)->get("k").value().has_value());
 }
 
-TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreError) {
+// Each bridge's failure on an unusable store is pinned by the storage bridge test; here, the error itself.
+TEST_F(DataStore, AnUnopenableSuiteCompletesWithStoreErrorAndIsNotTracked) {
   const std::string refused(300, 'x');  // over the store's cap, refused as a damaged store would be
   auto got = get(refused, {"a"});
   EXPECT_FALSE(got.success);
   EXPECT_EQ(got.error, (PlatformError{"h5-ios", 0, "User Defaults could not be initialized"}));
-  EXPECT_TRUE(got.result.find("error"));
-  auto saved = save(refused, Dict{{"a", 1}});
-  EXPECT_FALSE(saved.success);
-  EXPECT_EQ(saved.error, storeError());
-  EXPECT_EQ(remove(refused, {"a"}).error, storeError());
+  EXPECT_EQ(save(refused, Dict{{"a", 1}}).error, storeError());
   EXPECT_TRUE(tracked().empty());
 }
 
@@ -136,14 +131,7 @@ TEST_F(Migration, MovesOldDomainsByTheWhitelistOrTheAppIdBeforeTheFirstUnderscor
   EXPECT_TRUE(flagSet());
 }
 
-TEST_F(Migration, DoesNothingWhenTheStoredFlagIsAlreadySet) {
-  ASSERT_TRUE(preferences().standard()->set("h5_data_snd_box_mig", true).ok());
-  oldDomain("abc_xyz", {{"k", "v"}});
-  migrate();
-  EXPECT_EQ(keysOf("abc_xyz"), Strings{"k"});
-  EXPECT_TRUE(keysOf(sandboxDomainName("abc")).empty());
-}
-
+// The second run finds the stored flag and moves nothing.
 TEST_F(Migration, SetsTheFlagWithNothingToMoveAndDoesNotMoveLaterDomains) {
   migrate();
   EXPECT_TRUE(flagSet());

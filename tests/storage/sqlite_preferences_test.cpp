@@ -37,50 +37,35 @@ class SqlitePreferencesTest : public ::testing::Test {
 };
 
 PreferenceValue sampleNested() {
-  return PreferenceValue(PreferenceValue::Map{
-      {"list", PreferenceValue(PreferenceValue::List{PreferenceValue(1), PreferenceValue(1.0), PreferenceValue(true),
-                                                     PreferenceValue("1"), PreferenceValue(PreferenceDate{1.5}),
-                                                     PreferenceValue(Bytes{{0, 255}}), PreferenceValue()})},
-      {"z", PreferenceValue(std::int64_t{-1})},
-      {"a", PreferenceValue(PreferenceValue::Map{{"deep", PreferenceValue(PreferenceValue::List{})}})},
-  });
+  using List = PreferenceValue::List;
+  return PreferenceValue::Map{{"list", List{1, 1.0, true, "1", PreferenceDate{1.5}, Bytes{{0, 255}}, {}}},
+                              {"z", std::int64_t{-1}},
+                              {"a", PreferenceValue::Map{{"deep", List{}}}}};
 }
 
-TEST(SqlitePreferences, EveryKindComesBackAsTheSameKindAfterReopening) {
-  TempDir dir;
+// NaN is unequal to itself, so it is checked apart; SQLite keeps it as NULL.
+TEST_F(SqlitePreferencesTest, EveryKindComesBackAsTheSameKindFromAnotherConnection) {
   const std::vector<std::pair<std::string, PreferenceValue>> values = {
-      {"string", PreferenceValue("héllo\0x")}, {"nul", PreferenceValue(std::string("a\0b", 3))},
-      {"empty", PreferenceValue("")}, {"int", PreferenceValue(std::numeric_limits<std::int64_t>::min())},
-      {"intOne", PreferenceValue(1)}, {"doubleOne", PreferenceValue(1.0)}, {"negZero", PreferenceValue(-0.0)},
-      {"double", PreferenceValue(0.1)}, {"true", PreferenceValue(true)}, {"false", PreferenceValue(false)},
-      {"bytes", PreferenceValue(Bytes{{0, 1, 0, 255}})}, {"noBytes", PreferenceValue(Bytes{})},
-      {"date", PreferenceValue(PreferenceDate{1714552200.25})}, {"null", PreferenceValue()},
-      {"list", PreferenceValue(PreferenceValue::List{})}, {"nested", sampleNested()},
+      {"nul", std::string("a\0b", 3)}, {"empty", ""}, {"true", true}, {"min", std::numeric_limits<std::int64_t>::min()},
+      {"one", 1.0}, {"negZero", -0.0}, {"bytes", Bytes{{0, 1, 0, 255}}}, {"noBytes", Bytes{}}, {"null", {}},
+      {"date", PreferenceDate{1714552200.25}}, {"nested", sampleNested()},
   };
-  {
-    Store store(dir.path);
-    auto suite = store.prefs.suite("kinds");
-    ASSERT_TRUE(suite);
-    for (const auto& [key, value] : values) ASSERT_TRUE(suite->set(key, value).ok()) << key;
-    const double nan = std::numeric_limits<double>::quiet_NaN();  // unequal to itself, so checked apart
-    ASSERT_TRUE(suite->set(PreferenceValue::Map{{"nan", nan}, {"nanInList", PreferenceValue::List{nan}}}).ok());
-    ASSERT_TRUE(suite->synchronize().ok());
-  }
-  Store store(dir.path);
   auto suite = store.prefs.suite("kinds");
-  ASSERT_TRUE(suite);
+  for (const auto& [key, value] : values) ASSERT_TRUE(suite->set(key, value).ok()) << key;
+  ASSERT_TRUE(suite->set("nan", std::numeric_limits<double>::quiet_NaN()).ok());
+  Store other(dir.path);
+  auto reread = other.prefs.suite("kinds");
+  ASSERT_TRUE(reread);
   for (const auto& [key, value] : values) {
-    auto read = suite->get(key);
+    auto read = reread->get(key);
     ASSERT_TRUE(read.ok() && read.value().has_value()) << key;
     EXPECT_EQ(read.value()->kind(), value.kind()) << key;
     EXPECT_EQ(*read.value(), value) << key;
   }
-  EXPECT_TRUE(std::signbit(*suite->get("negZero").value()->asDouble()));
-  auto nan = suite->get("nan").value();
-  auto nanInList = suite->get("nanInList").value();
-  ASSERT_TRUE(nan && nan->asDouble() && nanInList && nanInList->asList());
-  EXPECT_TRUE(std::isnan(*nan->asDouble()) && std::isnan(*nanInList->asList()->front().asDouble()));
-  EXPECT_TRUE(store.logged.empty());
+  EXPECT_TRUE(std::signbit(*reread->get("negZero").value()->asDouble()));
+  auto nan = reread->get("nan").value();
+  EXPECT_TRUE(nan && nan->asDouble() && std::isnan(*nan->asDouble()));
+  EXPECT_TRUE(store.logged.empty() && other.logged.empty());
 }
 
 TEST_F(SqlitePreferencesTest, KeysAndTheDictionaryRepresentationAreInByteOrder) {
@@ -100,17 +85,15 @@ TEST_F(SqlitePreferencesTest, BatchesKeepTheLastOfARepeatedKeyAnswerEveryPositio
   for (int i = 0; i < 50; i += 2) entries.emplace_back("k" + std::to_string(i), i);
   ASSERT_TRUE(suite->set(std::move(entries)).ok());
   std::vector<std::string> keys;  // 0..49 twice, so repeats fall in different batches and the same one
-  for (int round = 0; round < 2; ++round)
-    for (int i = 0; i < 50; ++i) keys.push_back("k" + std::to_string(i));
+  for (int i = 0; i < 100; ++i) keys.push_back("k" + std::to_string(i % 50));
   keys.insert(keys.end(), {"k4", "k4"});  // twice in one batch
   auto values = suite->get(keys);
-  ASSERT_TRUE(values.ok());
-  ASSERT_EQ(values.value().size(), keys.size());
+  ASSERT_TRUE(values.ok() && values.value().size() == keys.size());
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const int n = std::stoi(keys[i].substr(1));
     EXPECT_EQ(values.value()[i], n % 2 ? std::nullopt : std::optional(PreferenceValue(n))) << i;
   }
-  EXPECT_TRUE(store.prefs.suite("absent")->get(keys).value().size() == keys.size());
+  EXPECT_EQ(store.prefs.suite("absent")->get(keys).value().size(), keys.size());
   std::vector<std::string> removed{"never"};
   for (int i = 0; i < 48; i += 2) removed.push_back("k" + std::to_string(i));
   ASSERT_TRUE(suite->remove(removed).ok());
@@ -122,7 +105,7 @@ TEST_F(SqlitePreferencesTest, RefusesEmptyOverlongAndNulNamesAndKeepsEveryOtherS
   EXPECT_FALSE(store.prefs.suite(std::string(SqlitePreferences::kMaxSuiteNameBytes + 1, 'x')));
   EXPECT_FALSE(store.prefs.suite(std::string("a\0b", 3)));
   EXPECT_FALSE(store.prefs.removePersistentDomain(""));
-  const std::string names[] = {"a", "A", "a/b", "../x", "名前", "_", "with space", "'; DROP TABLE suites; --",
+  const std::string names[] = {"a", "A", "名前", "'; DROP TABLE suites; --",
                                std::string(SqlitePreferences::kMaxSuiteNameBytes, 'x')};
   for (const auto& name : names) {
     auto suite = store.prefs.suite(name);
@@ -151,37 +134,17 @@ TEST_F(SqlitePreferencesTest, RemovingADomainEmptiesItForOpenHandlesAndLeavesOth
   EXPECT_EQ(store.prefs.suite("gone")->keys().value(), std::vector<std::string>{"again"});
 }
 
-TEST(SqlitePreferences, AFileThatIsNoDatabaseOrADirectoryThatCannotExistRefusesSuitesAndLogsOnce) {
-  TempDir dir;
-  std::ofstream(dir.path / "plain-file") << "not a directory";
-  {
-    std::ofstream garbage(dir.path / std::string(SqlitePreferences::kFileName), std::ios::binary);
-    for (int i = 0; i < 4096; ++i) garbage.put(static_cast<char>(i * 7));
-  }
-  for (const auto& where : {dir.path, dir.path / "plain-file" / "data"}) {
-    Store store(where);
-    EXPECT_FALSE(store.prefs.suite("x")) << where;
-    EXPECT_FALSE(store.prefs.standard()) << where;
-    EXPECT_FALSE(store.prefs.removePersistentDomain("x")) << where;
-    ASSERT_EQ(store.logged.size(), 1u) << where;
-    EXPECT_NE(store.logged[0].find("preferences.sqlite3"), std::string::npos) << store.logged[0];
-  }
-}
-
 TEST_F(SqlitePreferencesTest, WritesAheadToALogAndADatabaseDamagedWhileOpenFailsOperationsWithoutCrashing) {
   auto suite = store.prefs.suite("x");
   PreferenceValue::Map many;
   for (int i = 0; i < 2000; ++i) many.emplace_back("key" + std::to_string(i), std::string(100, 'v'));
   ASSERT_TRUE(suite->set(std::move(many)).ok());
   ASSERT_TRUE(suite->synchronize().ok());
+  EXPECT_TRUE(std::filesystem::exists(store.prefs.databasePath().string() + "-wal"));
   // Checkpoint so the pages live in the main file, then overwrite them.
   {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(store.prefs.databasePath().c_str(), &db), SQLITE_OK);
-    std::string journal;
-    auto first = [](void* out, int, char** values, char**) { return *static_cast<std::string*>(out) = values[0], 0; };
-    sqlite3_exec(db, "PRAGMA journal_mode", first, &journal, nullptr);
-    EXPECT_EQ(journal, "wal");
     sqlite3_exec(db, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
     sqlite3_close(db);
     std::fstream file(store.prefs.databasePath(), std::ios::in | std::ios::out | std::ios::binary);

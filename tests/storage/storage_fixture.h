@@ -47,11 +47,9 @@ class StorageFixture : public BridgeTestFixture {
     return settle(), o;
   }
 
-  /// Every key of a suite (empty when it cannot be opened).
+  /// Every key of a suite (empty when it cannot be read).
   Strings keysOf(const std::string& name) {
-    auto s = suite(name);
-    if (!s) return {};
-    auto keys = s->keys();
+    auto keys = suite(name)->keys();
     return keys.ok() ? keys.value() : Strings{};
   }
 
