@@ -12,44 +12,36 @@ std::string withUrl(const std::string& url, std::string_view rest = R"("method":
 }
 
 TEST_F(HttpRequestBridge, AnyStatusIsASuccessWithHeadersStatusAndTextAndRequestsGoAsGiven) {
-  struct Case {
-    std::string path, rest;
-    std::int64_t status;
-    std::string text;
-  };
   const std::string get = R"("method": "GET")";
-  const Case cases[] = {
-      {"/status/200", get, 200, "oops"}, {"/status/201", get, 201, "oops"}, {"/status/404", get, 404, "oops"},
-      {"/status/500", get, 500, "oops"}, {"/status/204", get, 204, ""},     {"/binary", get, 200, ""},
+  // Any status is a success (200 and 404 are also pinned end to end in tests/gtk_e2e).
+  const std::tuple<std::string, std::string, std::int64_t, std::string> cases[] = {
+      {"/status/404", get, 404, "oops"}, {"/status/204", get, 204, ""}, {"/binary", get, 200, ""},
       {"/redirect", get, 200, "oops"},
       // Method, body and headers go as given; "/echo" answers "METHOD|X-Token header|body".
       {"/echo", R"("method": "POST", "data": {"a": 1, "b": [true]}, "headers": {"X-Token": "t1"})", 200,
        "POST|t1|{\n  \"a\" : 1,\n  \"b\" : [\n    true\n  ]\n}"},
       {"/echo", R"("method": "PUT", "data": "plain text", "headers": {"X-Token": "t1", "Count": 2})", 200, "PUT||plain text"},
       {"/echo", R"("method": "DELETE", "data": [1, 2])", 200, "DELETE||"},
-      {"/echo", R"("method": "GET", "headers": {})", 200, "GET||"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.path + " " + c.rest);
-    Dict answer = answerOf(callAndWait("httpRequest", withUrl(server.url(c.path), c.rest)));
-    EXPECT_EQ(answer.getInt("status"), c.status);
-    EXPECT_EQ(answer.getString("data"), c.text);
+  for (const auto& [path, rest, status, text] : cases) {
+    SCOPED_TRACE(path + " " + rest);
+    Dict answer = answerOf(callAndWait("httpRequest", withUrl(server.url(path), rest)));
+    EXPECT_EQ(answer.getInt("status"), status);
+    EXPECT_EQ(answer.getString("data"), text);
     auto headers = answer.getDict("headers");
     ASSERT_TRUE(headers);
     EXPECT_EQ(answer.getString("headersStr"), json::write(*headers));
-    if (!c.text.empty()) {
+    if (!text.empty()) {
       EXPECT_EQ(headers->getString("Content-Type"), "text/plain");
     }
   }
 }
 
+// A url or method that is not text: runner case 16_network_files.
 TEST_F(HttpRequestBridge, FailuresAnswerTheirMessageAsKeyAndCodeAsValueAlsoWithoutATransport) {
   GarbageListener garbage;
   const std::pair<std::string, std::string> cases[] = {
-      {R"({"method": "GET"})", R"({"invalid url":2})"},
-      {R"({"url": 7, "method": "GET"})", R"({"invalid url":2})"},
       {R"({"url": "http://exa mple/", "method": "GET"})", R"({"invalid url":2})"},
-      {withUrl(server.url("/echo"), R"("method": 1)"), R"({"invalid method":2})"},
       {withUrl(refusedUrl()), R"({"error":12})"},
       {withUrl("ftp://127.0.0.1/x"), R"({"error":12})"},
       {withUrl(server.url("/echo"), R"("method": "BAD\r\nX-Injected: 1")"), R"({"error":12})"},
