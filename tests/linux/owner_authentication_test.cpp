@@ -108,8 +108,7 @@ TEST_F(PamAuthenticationTest, StacksAndAnswersGiveTheirOutcome) {
       {"permit", {}, codes::kPasscodeNotSet, {}, false},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.service) + " with " + std::to_string(row.script.size()) + " answers" +
-                 (row.withPrompt ? "" : ", no prompt"));
+    SCOPED_TRACE(row.service + std::string(row.withPrompt ? "" : ", no prompt"));
     prompt = std::make_shared<ScriptedPrompt>();
     prompt->script = row.script;
     auto tested = service(row.service, row.withPrompt ? prompt : nullptr);
