@@ -53,15 +53,6 @@ const char* stateLabel(ProtectedResource resource, AuthorizationState state) {
   return "";
 }
 
-GtkWidget* paddedBox(GtkOrientation orientation, int spacing) {
-  GtkWidget* box = gtk_box_new(orientation, spacing);
-  gtk_widget_set_margin_top(box, 18);
-  gtk_widget_set_margin_bottom(box, 18);
-  gtk_widget_set_margin_start(box, 18);
-  gtk_widget_set_margin_end(box, 18);
-  return box;
-}
-
 // ---- consent prompt ----
 
 std::map<ProtectedResource, ShownConsentPrompt>& shownPrompts() {
@@ -182,12 +173,10 @@ void openSettingsPage(const std::shared_ptr<PermissionStore>& store, const std::
 
   auto fresh = std::make_unique<SettingsPage>();
   fresh->store = store;
-  fresh->window = GTK_WINDOW(gtk_window_new());
-  gtk_window_set_title(fresh->window, (appName + " Settings").c_str());
-  gtk_window_set_default_size(fresh->window, 380, -1);
-  if (GtkWindow* parent = parentWindow()) gtk_window_set_transient_for(fresh->window, parent);
+  fresh->window = newWindowOverParent(appName + " Settings", 380, false);
 
-  GtkWidget* content = paddedBox(GTK_ORIENTATION_VERTICAL, 12);
+  GtkWidget* content = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
+  setDialogMargins(content);
   GtkWidget* heading = gtk_label_new(("Allow \u201c" + appName + "\u201d to access").c_str());
   gtk_widget_set_halign(heading, GTK_ALIGN_START);
   gtk_widget_add_css_class(heading, "title-4");

@@ -19,6 +19,11 @@ namespace vantu::gtk {
 GtkWindow* parentWindow();
 /// A button that runs `onClick` when clicked.
 GtkWidget* button(const std::string& title, std::function<void()> onClick);
+/// A window over the key window, `width` pixels wide unless its content
+/// needs more.
+GtkWindow* newWindowOverParent(const std::string& title, int width, bool modal);
+/// The dialogs' margin of 18 pixels on every side of `widget`.
+void setDialogMargins(GtkWidget* widget);
 /// A modal window over the key window, with a vertical content box and a
 /// right-aligned button row (not yet added to the content).
 GtkWindow* newDialogWindow(const std::string& title, GtkWidget*& content, GtkWidget*& buttonRow);

@@ -60,17 +60,26 @@ GtkWidget* button(const std::string& title, Callback onClick) {
   return widget;
 }
 
-GtkWindow* newDialogWindow(const std::string& title, GtkWidget*& content, GtkWidget*& buttonRow) {
+GtkWindow* newWindowOverParent(const std::string& title, int width, bool modal) {
   GtkWindow* window = GTK_WINDOW(gtk_window_new());
   gtk_window_set_title(window, title.c_str());
-  gtk_window_set_modal(window, TRUE);
-  gtk_window_set_default_size(window, 320, -1);
+  gtk_window_set_modal(window, modal);
+  gtk_window_set_default_size(window, width, -1);
   if (GtkWindow* parent = parentWindow()) gtk_window_set_transient_for(window, parent);
-  content = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
+  return window;
+}
+
+void setDialogMargins(GtkWidget* widget) {
   for (auto margin : {gtk_widget_set_margin_top, gtk_widget_set_margin_bottom, gtk_widget_set_margin_start,
                       gtk_widget_set_margin_end}) {
-    margin(content, 18);
+    margin(widget, 18);
   }
+}
+
+GtkWindow* newDialogWindow(const std::string& title, GtkWidget*& content, GtkWidget*& buttonRow) {
+  GtkWindow* window = newWindowOverParent(title, 320, true);
+  content = gtk_box_new(GTK_ORIENTATION_VERTICAL, 12);
+  setDialogMargins(content);
   buttonRow = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
   gtk_widget_set_halign(buttonRow, GTK_ALIGN_END);
   gtk_window_set_child(window, content);

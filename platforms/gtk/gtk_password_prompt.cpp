@@ -59,18 +59,11 @@ void GtkPasswordPrompt::show(Request request, Answer answer) {
   prompt->answer = std::move(answer);
   PasswordDialog& d = prompt->dialog;
 
-  d.window = GTK_WINDOW(gtk_window_new());
-  gtk_window_set_title(d.window, "Authentication required");
-  gtk_window_set_modal(d.window, TRUE);
-  gtk_window_set_default_size(d.window, 360, -1);
-  if (GtkWindow* parent = parentWindow()) gtk_window_set_transient_for(d.window, parent);
+  d.window = newWindowOverParent("Authentication required", 360, true);
 
   GtkWidget* grid = gtk_grid_new();
   gtk_grid_set_row_spacing(GTK_GRID(grid), 10);
-  gtk_widget_set_margin_top(grid, 18);
-  gtk_widget_set_margin_bottom(grid, 18);
-  gtk_widget_set_margin_start(grid, 18);
-  gtk_widget_set_margin_end(grid, 18);
+  setDialogMargins(grid);
 
   std::string warning = request.failedAttempts > 0 ? "Wrong password. Try again." : "";
   if (!request.notice.empty()) warning += (warning.empty() ? "" : "\n") + request.notice;
