@@ -45,11 +45,8 @@ std::optional<linux_platform::LinuxPlatform> makeGtkPlatform(linux_platform::Lin
     options.positionSource = [geoclue] { return geoclue->lastKnown(); };
   }
 #endif
-  auto openSettings = options.openSettings;
   auto bundle = linux_platform::makeLinuxPlatform(std::move(options));
-  std::function<void()> settingsPage;
-  if (openSettings) settingsPage = [openSettings, store = bundle.permissions] { openSettings(store); };
-  bundle.platform->application = std::make_shared<ContainerApplication>(bundle.dispatch, std::move(settingsPage));
+  bundle.platform->application = std::make_shared<ContainerApplication>(bundle.dispatch, bundle.settingsPage);
   return bundle;
 }
 

@@ -75,11 +75,10 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
     platform->locationServices = LinuxLocationServices::make(result.permissions, platform->authorization,
                                                              result.dispatch, std::move(options.positionSource));
   }
-  std::function<void()> settingsPage;
   if (options.openSettings) {
-    settingsPage = [open = std::move(options.openSettings), store = result.permissions] { open(store); };
+    result.settingsPage = [open = std::move(options.openSettings), store = result.permissions] { open(store); };
   }
-  platform->application = std::make_shared<LinuxApplication>(std::move(settingsPage));
+  platform->application = std::make_shared<LinuxApplication>(result.settingsPage);
   platform->httpTransport = std::make_shared<curl::CurlTransport>(result.dispatch);
   platform->documentsDirectory = documentsDirectoryFor(options);
   if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {

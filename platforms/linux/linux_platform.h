@@ -95,6 +95,9 @@ struct LinuxPlatform {
   std::shared_ptr<EventLoop> loop;
   /// The permission store in the data directory; null without one.
   std::shared_ptr<PermissionStore> permissions;
+  /// What "Open Settings" opens: the shell's settings page over
+  /// `permissions`; empty when the options gave none.
+  std::function<void()> settingsPage;
 };
 
 /// Builds the bundle; the caller installs `platform` with `installPlatform`.
