@@ -265,7 +265,9 @@ void exercise(std::string& skipped) {
     SCOPED_TRACE("ip " + step.commands.back());
     for (const auto& args : step.commands) EXPECT_TRUE(ip(args)) << "ip " << args;
     EXPECT_EQ(handle->currentFlags(), step.flags);
-    if (step.notifies) EXPECT_TRUE(waitForEvents(++expectedCount));
+    if (step.notifies) {
+      EXPECT_TRUE(waitForEvents(++expectedCount));
+    }
   }
   EXPECT_EQ(events, (std::vector<std::string>{"unreachable -- -------", "reachable WiFi -R -------",
                                               "unreachable -- -------", "reachable WiFi -R -------",
