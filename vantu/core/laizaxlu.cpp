@@ -42,6 +42,24 @@ bool Laizaxlu::isURLWhitelisted(const Url& url) {
 
 void Laizaxlu::enableOneTimeBypassForWebDomainsWhitelisting() { shouldBypassWebDomainsWhitelisting_ = true; }
 
+void Laizaxlu::attachKeyboardOffsetFixer(ViewController& viewController) {
+  if (services_) services_->attachKeyboardOffsetFixer(viewController);
+}
+
+void Laizaxlu::clearAppSandbox() { clearAppSandbox(std::nullopt); }
+
+void Laizaxlu::clearAppSandbox(std::optional<Dict> exemptedUniqueAppIdMap) {
+  if (services_) services_->clearSandbox(std::move(exemptedUniqueAppIdMap));
+}
+
+void Laizaxlu::performSandboxMigration() {
+  if (services_) services_->performSandboxMigration();
+}
+
+std::string Laizaxlu::getSandboxedFileNameForUniqueAppIdentifier(std::string_view appId) const {
+  return services_ ? services_->sandboxedFileName(appId) : std::string();
+}
+
 void Laizaxlu::resetForTesting() {
   h5DataProviders_.reset();
   whiteListAppData_.reset();

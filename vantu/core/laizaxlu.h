@@ -12,13 +12,12 @@
 #include "vantu/core/h5_data_providers.h"
 #include "vantu/core/h5_white_list_app_data.h"
 #include "vantu/core/h5_white_list_domain_data.h"
+#include "vantu/core/laizaxlu_services.h"
 #include "vantu/core/url.h"
 #include "vantu/platform/object.h"
 #include "vantu/value/value.h"
 
 namespace vantu {
-
-class ViewController;
 
 class Laizaxlu : public Object {
  public:
@@ -53,9 +52,13 @@ class Laizaxlu : public Object {
   const std::shared_ptr<H5WhiteListDomainData>& whiteListWebDomains() const { return whiteListWebDomains_; }
   bool shouldBypassWebDomainsWhitelisting() const { return shouldBypassWebDomainsWhitelisting_; }
 
-  // --- Subsystem operations. Declared here, defined by the subsystem that
-  // owns them (core must not depend on the subsystems): the keyboard fixer
-  // in vantu/container/laizaxlu_keyboard_offset.cpp.
+  // --- Operations whose work belongs to the layers above core (the
+  // key-value store and the keyboard fixer), reached through the services
+  // the runtime connects with `connectServices`. Until then they do nothing
+  // and the file name is empty.
+
+  /// The services the operations below reach; nullptr disconnects them.
+  void connectServices(std::shared_ptr<LaizaxluServices> services) { services_ = std::move(services); }
 
   /// Finds the screen's web view (recursively, through its child screens)
   /// and attaches a new WebViewKeyboardOffsetFixer for it as the screen's
@@ -63,8 +66,8 @@ class Laizaxlu : public Object {
   /// web view nothing happens.
   void attachKeyboardOffsetFixer(ViewController& viewController);
 
-  // The sandbox, in vantu/storage/laizaxlu_sandbox.cpp. The three store
-  // operations are queued on the shared store and return at once.
+  // The three store operations are queued on the shared store and return at
+  // once.
 
   /// Deletes every app's stored data.
   void clearAppSandbox();
@@ -78,7 +81,8 @@ class Laizaxlu : public Object {
   /// now on the caller's thread.
   std::string getSandboxedFileNameForUniqueAppIdentifier(std::string_view appId) const;
 
-  /// Testing only: back to the state of a fresh process.
+  /// Testing only: back to the state of a fresh process (the connected
+  /// services stay: they hold no state of their own).
   void resetForTesting();
 
  private:
@@ -88,6 +92,7 @@ class Laizaxlu : public Object {
   std::shared_ptr<H5WhiteListAppData> whiteListAppData_;
   std::shared_ptr<H5WhiteListDomainData> whiteListWebDomains_;
   bool shouldBypassWebDomainsWhitelisting_ = false;
+  std::shared_ptr<LaizaxluServices> services_;
 };
 
 }  // namespace vantu

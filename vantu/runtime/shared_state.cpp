@@ -3,6 +3,7 @@
 #include "vantu/container/h5_dynamic_provider.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/device/permission_handler_factory.h"
+#include "vantu/runtime/environment_services.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
 namespace vantu {
@@ -12,6 +13,7 @@ void resetSharedStateForTesting() {
   H5DynamicProvider::shared().resetForTesting();
   UserDefaultsDataStoreImpl::resetForTesting();
   PermissionHandlerFactory::shared().resetForTesting();
+  connectEnvironmentServices();
 }
 
 }  // namespace vantu
