@@ -24,7 +24,11 @@ namespace vantu::testing_support {
 using Strings = std::vector<std::string>;
 
 /// {"error":2,"message":"<message>"} as JSON text.
-inline std::string flatError(std::string_view message) { return json::write(payload::flatError(2, message)); }
+inline std::string flatError(std::string_view message) {
+  std::string text = R"({"error":2,"message":)";
+  json::writeString(text, message);
+  return text + "}";
+}
 
 /// What a call (or a user action, or a stretch of virtual time) produced.
 struct CallOutcome {

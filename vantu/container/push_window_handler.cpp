@@ -1,6 +1,7 @@
 #include "vantu/container/push_window_handler.h"
 
 #include "vantu/container/push_window_support.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/view_controller_context.h"
 
@@ -8,7 +9,7 @@ namespace vantu {
 
 void PushWindowHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
-  auto fail = [&params](std::string_view message) { params.callback(payload::flatError(2, message)); };
+  auto fail = [&params](std::string_view message) { answerFailure(params.callback, message); };
   if (!params.viewController) return fail("Unable to get current H5 Context");
   auto url = params.data.getString("url");
   if (!url) return fail("invalid parameters: no url could be bound in data");

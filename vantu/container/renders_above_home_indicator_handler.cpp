@@ -2,6 +2,7 @@
 
 #include "vantu/container/vantu_h5_container_customization_constants.h"
 #include "vantu/container/vantu_h5_container_customizer.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 
 namespace vantu {
@@ -9,13 +10,12 @@ namespace vantu {
 void RendersAboveHomeIndicatorHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   if (!params.viewController) {
-    params.callback(payload::flatError(2, "RendersAboveHomeIndicatorHandler: Failed to bind params.viewController!"));
+    answerFailure(params.callback, "RendersAboveHomeIndicatorHandler: Failed to bind params.viewController!");
     return;
   }
   auto renderAbove = params.data.getBool("value");
   if (!renderAbove) {
-    params.callback(payload::flatError(
-        2, "RendersAboveHomeIndicatorHandler: Failed to bind kRendersAboveHomeIndicatorStatus value as a boolean!"));
+    answerFailure(params.callback, "RendersAboveHomeIndicatorHandler: Failed to bind kRendersAboveHomeIndicatorStatus value as a boolean!");
     return;
   }
   const Dict flags{

@@ -2,6 +2,7 @@
 
 #include "vantu/container/vantu_h5_container_customization_constants.h"
 #include "vantu/container/vantu_h5_container_customizer.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 
 namespace vantu {
@@ -10,7 +11,7 @@ void ResetStatusbarBackgroundColorHandler::handleWith(H5HandlerInputParams param
   trackData(kBridgeName, params);
   if (!params.viewController) {
     // The title-bar bridge's text, kept as pages know it.
-    params.callback(payload::flatError(2, "TitleBarVisibilityHandler: Failed to bind params.viewController!"));
+    answerFailure(params.callback, "TitleBarVisibilityHandler: Failed to bind params.viewController!");
     return;
   }
   const Dict flags{

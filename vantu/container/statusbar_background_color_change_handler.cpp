@@ -2,6 +2,7 @@
 
 #include "vantu/container/vantu_h5_container_customization_constants.h"
 #include "vantu/container/vantu_h5_container_customizer.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 
 namespace vantu {
@@ -9,14 +10,12 @@ namespace vantu {
 void StatusbarBackgroundColorChangeHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   if (!params.viewController) {
-    params.callback(
-        payload::flatError(2, "StatusbarBackgroundColorChangeHandler: Failed to bind params.viewController!"));
+    answerFailure(params.callback, "StatusbarBackgroundColorChangeHandler: Failed to bind params.viewController!");
     return;
   }
   auto color = params.data.getString("color");
   if (!color) {
-    params.callback(
-        payload::flatError(2, "StatusbarBackgroundColorChangeHandler: Failed to bind color hex value as a string!"));
+    answerFailure(params.callback, "StatusbarBackgroundColorChangeHandler: Failed to bind color hex value as a string!");
     return;
   }
   const Dict flags{

@@ -2,7 +2,9 @@
 // The record of one bridge call: the calling screen, the page's arguments
 // and the way back to the page.
 
+#include <concepts>
 #include <functional>
+#include <type_traits>
 #include <memory>
 
 #include "vantu/platform/view_controller.h"
@@ -11,8 +13,24 @@
 namespace vantu {
 
 /// Receives one answer for the page. Bridges call it 0, 1 or 2 times as
-/// each bridge's behaviour says.
-using H5Callback = std::function<void(const Value& answer)>;
+/// each bridge's behaviour says. Never empty: one made from nothing (or
+/// from an empty function) drops its answers, so handlers call it without
+/// checking first.
+class H5Callback {
+ public:
+  H5Callback() = default;
+  template <class F>
+    requires std::invocable<F&, const Value&> && (!std::same_as<std::remove_cvref_t<F>, H5Callback>)
+  H5Callback(F function)  // NOLINT(google-explicit-constructor): any callable is a callback
+      : function_(std::move(function)) {}
+
+  void operator()(const Value& answer) const {
+    if (function_) function_(answer);
+  }
+
+ private:
+  std::function<void(const Value& answer)> function_;
+};
 
 struct H5HandlerInputParams {
   std::shared_ptr<ViewController> viewController;  // may be absent

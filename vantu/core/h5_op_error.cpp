@@ -14,7 +14,7 @@ Dict H5OpErrorUtil::successResponse(Dict data) { return Dict{{"data", std::move(
 
 namespace payload {
 
-Dict flatError(std::int64_t code, std::string_view message) { return Dict{{"error", code}, {"message", message}}; }
+Dict failure(std::string_view message) { return Dict{{"error", kFailureCode}, {"message", message}}; }
 
 Dict success(Value value) {
   // Not an initializer list: that would copy the value, which can be a
@@ -25,6 +25,8 @@ Dict success(Value value) {
 }
 
 Dict successFlag() { return Dict{{"data", Dict{{"success", true}}}}; }
+
+Dict successWithData(Value value) { return Dict{{"success", true}, {"data", std::move(value)}}; }
 
 }  // namespace payload
 }  // namespace vantu

@@ -29,12 +29,17 @@ class H5OpErrorUtil {
 
 namespace payload {
 
-/// {"error": code, "message": message}: the flat error shape.
-Dict flatError(std::int64_t code, std::string_view message);
+/// The code of every bridge's flat failure.
+inline constexpr std::int64_t kFailureCode = 2;
+
+/// {"error": 2, "message": message}: how a bridge says it failed.
+Dict failure(std::string_view message);
 /// {"data": value}
 Dict success(Value value);
 /// {"data": {"success": true}}
 Dict successFlag();
+/// {"success": true, "data": value}
+Dict successWithData(Value value);
 
 }  // namespace payload
 }  // namespace vantu

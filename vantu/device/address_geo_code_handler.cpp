@@ -1,5 +1,6 @@
 #include "vantu/device/address_geo_code_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/platform/platform.h"
 
@@ -39,9 +40,9 @@ Dict AddressGeoCodeHandler::addressPayload(const H5Placemark& p) {
 void AddressGeoCodeHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto latitude = params.data.getNumber("latitude");
-  if (!latitude) return params.callback(payload::flatError(2, kNoLatitude));
+  if (!latitude) return answerFailure(params.callback, kNoLatitude);
   auto longitude = params.data.getNumber("longitude");
-  if (!longitude) return params.callback(payload::flatError(2, kNoLongitude));
+  if (!longitude) return answerFailure(params.callback, kNoLongitude);
   if (!geocoder_) geocoder_ = platform().geocoder;
   if (!geocoder_) return params.callback(geocodeFailure(kGeocoderErrorCode, kNoGeocoder));
 

@@ -1,5 +1,6 @@
 #include "vantu/device/check_permission_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/url.h"
 #include "vantu/device/permission_handler_factory.h"
@@ -21,13 +22,13 @@ std::vector<std::string> CheckPermissionHandler::permissionWords(std::string_vie
 void CheckPermissionHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto permission = params.data.getString("permission");
-  if (!permission) return params.callback(payload::flatError(2, kNoPermission));
-  if (permission->empty()) return params.callback(payload::flatError(2, kEmptyPermission));
+  if (!permission) return answerFailure(params.callback, kNoPermission);
+  if (permission->empty()) return answerFailure(params.callback, kEmptyPermission);
 
   Dict result;
   for (auto& word : permissionWords(*permission)) {
     auto handler = PermissionHandlerFactory::shared().handler(word);
-    if (!handler) return params.callback(payload::flatError(2, std::string(kUnhandledPermission) + word));
+    if (!handler) return answerFailure(params.callback, std::string(kUnhandledPermission) + word);
     handler->getPermissionStatus([&result, &word](std::int64_t status) { result.set(word, status); });
   }
   params.callback(Dict{{"success", true}, {"data", std::move(result)}});

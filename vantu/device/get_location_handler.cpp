@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/platform/alert_controller.h"
 #include "vantu/platform/platform.h"
@@ -32,23 +33,23 @@ void GetLocationHandler::showDisabledAlert(const std::shared_ptr<ViewController>
 
 void GetLocationHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
-  if (!params.viewController) return params.callback(payload::flatError(2, kNoViewController));
+  if (!params.viewController) return answerFailure(params.callback, kNoViewController);
   const auto& services = platform().locationServices;
-  if (!services) return params.callback(payload::flatError(2, kNoLocationServices));
+  if (!services) return answerFailure(params.callback, kNoLocationServices);
 
   locManager().requestWhenInUseAuthorization();
   switch (services->authorizationState()) {
     case AuthorizationState::restricted:
     case AuthorizationState::denied:
-      params.callback(payload::flatError(2, kAccessDisabled));
+      answerFailure(params.callback, kAccessDisabled);
       return showDisabledAlert(params.viewController);
     case AuthorizationState::notDetermined:
-      params.callback(payload::flatError(2, kNotDetermined));
+      answerFailure(params.callback, kNotDetermined);
       return locManager().requestWhenInUseAuthorization();
     case AuthorizationState::authorized:
     case AuthorizationState::authorizedWhenInUse: {
       auto fix = locManager().location();
-      if (!fix) return params.callback(payload::flatError(2, kNoFix));
+      if (!fix) return answerFailure(params.callback, kNoFix);
       return params.callback(Dict{
           {"success", true},
           {"data", Dict{{"lat", coordinateText(fix->latitude)}, {"long", coordinateText(fix->longitude)}}}});

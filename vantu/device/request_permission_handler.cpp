@@ -1,5 +1,6 @@
 #include "vantu/device/request_permission_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/url.h"
 #include "vantu/device/permission_handler_factory.h"
@@ -9,13 +10,13 @@ namespace vantu {
 void RequestPermissionHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto permission = params.data.getString("permission");
-  if (!permission) return params.callback(payload::flatError(2, kNoPermission));
-  if (permission->empty()) return params.callback(payload::flatError(2, kEmptyPermission));
+  if (!permission) return answerFailure(params.callback, kNoPermission);
+  if (permission->empty()) return answerFailure(params.callback, kEmptyPermission);
   // Lower-cased only: a single word is not split and keeps its spaces.
   std::string word = asciiLowercased(*permission);
-  if (!params.viewController) return params.callback(payload::flatError(2, kNoViewController));
+  if (!params.viewController) return answerFailure(params.callback, kNoViewController);
   auto handler = PermissionHandlerFactory::shared().handler(word);
-  if (!handler) return params.callback(payload::flatError(2, kUnhandledPermission));
+  if (!handler) return answerFailure(params.callback, kUnhandledPermission);
 
   handler->requestPermission(params.viewController, [weak = weakSelf(this), callback = std::move(params.callback),
                                                      word](std::int64_t granted) {

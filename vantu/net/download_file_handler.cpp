@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/url.h"
 #include "vantu/net/download_folder.h"
@@ -31,12 +32,12 @@ void DownloadFileHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto fileName = params.data.getString("fileName");
   if (!fileName || !isSingleFileName(*fileName)) {
-    params.callback(payload::flatError(2, "DownloadFileJSAPIHandler: Failed to bind fileName!"));
+    answerFailure(params.callback, "DownloadFileJSAPIHandler: Failed to bind fileName!");
     return;
   }
   auto url = params.data.getString("fileDownloadUrl");
   if (!url) {
-    params.callback(payload::flatError(2, "DownloadFileJSAPIHandler: Failed to bind download url!"));
+    answerFailure(params.callback, "DownloadFileJSAPIHandler: Failed to bind download url!");
     return;
   }
   const bool showIndicator = params.data.getString("showNetworkActivityIndicator") == "true";

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "vantu/core/h5_op_error.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/net/download_folder.h"
 #include "vantu/net/get_file_path_handler.h"
 #include "vantu/net/remove_file_handler.h"
@@ -24,7 +25,7 @@ void GetFilePathHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto fileName = params.data.getString("fileName");
   if (!fileName || !isSingleFileName(*fileName)) {
-    params.callback(payload::flatError(2, "GetFilePathJSAPIHandler: Failed to bind fileName!"));
+    answerFailure(params.callback, "GetFilePathJSAPIHandler: Failed to bind fileName!");
     return;
   }
   auto file = existingFile(*fileName);
@@ -39,7 +40,7 @@ void RemoveFileHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto fileName = params.data.getString("fileName");
   if (!fileName || !isSingleFileName(*fileName)) {
-    params.callback(payload::flatError(2, "RemoveFileJSAPIHandler: Failed to bind fileName!"));
+    answerFailure(params.callback, "RemoveFileJSAPIHandler: Failed to bind fileName!");
     return;
   }
   auto file = existingFile(*fileName);

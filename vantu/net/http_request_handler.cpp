@@ -1,5 +1,6 @@
 #include "vantu/net/http_request_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/vantu_h5_delegate.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/net/http_api_manager.h"
@@ -42,7 +43,7 @@ void HTTPRequestHandler::handleWith(H5HandlerInputParams params) {
       // Pages receive the message as the key and the code as its value.
       callback(Dict{{error->message, error->code}});
     } else {
-      callback(payload::flatError(2, "failed to fetch access token!"));
+      answerFailure(callback, "failed to fetch access token!");
     }
   });
 }

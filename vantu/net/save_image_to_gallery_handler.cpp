@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/image_decoder.h"
 #include "vantu/core/url.h"
@@ -38,7 +39,7 @@ std::optional<Bytes> takeFile(const std::filesystem::path& file) {
 
 void downloadAndSave(const std::string& imageUrl, const H5Callback& callback) {
   auto answer = [callback](Value value) { callback(value); };
-  auto fail = [callback](std::string_view message) { callback(payload::flatError(2, message)); };
+  auto fail = [callback](std::string_view message) { answerFailure(callback, message); };
   auto transport = platform().httpTransport;
   auto local = DownloadFolder::locationOf(randomFileName(kLocalNameLength));
   if (!Url::parse(imageUrl)) return fail("Valid URL could not be formulated.");
@@ -64,10 +65,10 @@ void SaveImageToGalleryHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto imageUrl = params.data.getString("imageUrl");
   if (!imageUrl) {
-    params.callback(payload::flatError(2, "DownloadFileJSAPIHandler: Failed to bind image download url!"));
+    answerFailure(params.callback, "DownloadFileJSAPIHandler: Failed to bind image download url!");
     return;
   }
-  auto fail = [callback = params.callback](std::string_view message) { callback(payload::flatError(2, message)); };
+  auto fail = [callback = params.callback](std::string_view message) { answerFailure(callback, message); };
   auto authorization = platform().authorization;
   if (!authorization) return fail("DownloadFileJSAPIHandler: Not authorized to access photo library");
   auto main = platform().dispatch->main();

@@ -1,5 +1,7 @@
 #include "vantu/pickers/base_image_pick_handler.h"
 
+#include "vantu/core/h5_answers.h"
+#include "vantu/core/h5_op_error.h"
 #include "vantu/pickers/image_pick_post_processor.h"
 #include "vantu/pickers/picker_error.h"
 #include "vantu/platform/platform.h"
@@ -37,18 +39,18 @@ ImagePicker::Handler BaseImagePickHandler::resultStep(Source source, H5Callback 
 
 void BaseImagePickHandler::answerResult(Source source, bool success, const std::optional<PlatformError>& error,
                                         const std::optional<ImagePicker::Info>& info, const H5Callback& callback) {
-  if (!success) return pickers::answerFailure(callback, error ? error->localizedDescription : kPickFailed);
-  if (!info) return pickers::answerFailure(callback, error ? error->localizedDescription : kInfoNil);
+  if (!success) return answerFailure(callback, error ? error->localizedDescription : kPickFailed);
+  if (!info) return answerFailure(callback, error ? error->localizedDescription : kInfoNil);
 
   auto original = info->find(rawValue(ImagePickerInfoKey::originalImage));
   const auto* image = original == info->end() ? nullptr : std::get_if<std::shared_ptr<const Image>>(&original->second);
-  if (!image || !*image) return pickers::answerFailure(callback, kNoAsset);
+  if (!image || !*image) return answerFailure(callback, kNoAsset);
 
   auto result = source == Source::camera
                     ? ImagePickPostProcessor::processCameraCapture(**image, platform().device->secondsSince1970())
                     : ImagePickPostProcessor::processLibraryPick(*info);
   for (const auto* failure : {&result.imageNameError, &result.imageTypeError, &result.imageSizeError}) {
-    if (*failure) return pickers::answerFailure(callback, (*failure)->localizedDescription);
+    if (*failure) return answerFailure(callback, (*failure)->localizedDescription);
   }
   Dict meta;
   if (result.imageName) meta.set("imageName", std::move(*result.imageName));

@@ -4,6 +4,8 @@
 #include <mutex>
 
 #include "vantu/core/file_url.h"
+#include "vantu/core/h5_answers.h"
+#include "vantu/core/h5_op_error.h"
 #include "vantu/core/url.h"
 #include "vantu/pickers/file_base64.h"
 #include "vantu/pickers/picker_error.h"
@@ -17,18 +19,18 @@ FilePickerHandler::FilePickerHandler()
 
 void FilePickerHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
-  if (!params.viewController) return pickers::answerFailure(params.callback, kNoViewController);
+  if (!params.viewController) return answerFailure(params.callback, kNoViewController);
   auto restrictions = H5FileRestrictions::bind(params.data);
   filePicker_->pick(*params.viewController,
                     [weak = weakSelf(this), restrictions, callback = params.callback](
                         bool success, std::optional<PlatformError> error, std::optional<std::vector<std::string>> urls) {
                       if (!success) {
-                        return pickers::answerFailure(callback, error ? error->localizedDescription : kPickFailed);
+                        return answerFailure(callback, error ? error->localizedDescription : kPickFailed);
                       }
-                      if (!urls) return pickers::answerFailure(callback, kNoUrls);
+                      if (!urls) return answerFailure(callback, kNoUrls);
                       if (restrictions.maxNumberOfFilesAllowed &&
                           *restrictions.maxNumberOfFilesAllowed < static_cast<std::int64_t>(urls->size())) {
-                        return pickers::answerFailure(callback, kTooManyFiles);
+                        return answerFailure(callback, kTooManyFiles);
                       }
                       if (auto self = weak.lock()) self->processFiles(*urls, restrictions, callback);
                     });

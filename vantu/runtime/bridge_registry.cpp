@@ -1,5 +1,6 @@
 #include "vantu/runtime/bridge_registry.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 
 namespace vantu {
@@ -27,7 +28,7 @@ std::shared_ptr<H5BaseHandler> BridgeRegistry::handlerFor(std::string_view name)
 void BridgeRegistry::dispatch(std::string_view name, H5HandlerInputParams params) {
   auto handler = handlerFor(name);
   if (!handler) {
-    if (params.callback) params.callback(payload::flatError(2, "Unknown bridge: " + std::string(name)));
+    answerFailure(params.callback, "Unknown bridge: " + std::string(name));
     return;
   }
   handler->handleWith(std::move(params));

@@ -30,7 +30,7 @@ std::variant<Message, MalformedMessage> parseMessage(std::string_view text) {
   return message;
 }
 
-Dict malformedAnswer(const MalformedMessage& malformed) { return payload::flatError(2, malformed.reason); }
+Dict malformedAnswer(const MalformedMessage& malformed) { return payload::failure(malformed.reason); }
 
 std::string deliveryScript(std::int64_t id, const Value& payload) {
   std::string script = "window.vantu.__deliver(";

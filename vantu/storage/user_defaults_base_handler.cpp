@@ -1,5 +1,6 @@
 #include "vantu/storage/user_defaults_base_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/platform/platform.h"
@@ -9,12 +10,12 @@ namespace vantu {
 
 std::optional<std::string> UserDefaultsBaseHandler::sandboxDomainFor(const H5HandlerInputParams& params) {
   if (!params.viewController) {
-    params.callback(payload::flatError(2, "VH5FilePickerHandler: Failed to bind params.viewController!"));
+    answerFailure(params.callback, "VH5FilePickerHandler: Failed to bind params.viewController!");
     return std::nullopt;
   }
   auto uAId = getUniqueAppIdentifierRecursively(*params.viewController);
   if (!uAId) {
-    params.callback(payload::flatError(2, "Failed to obtain uAId!"));
+    answerFailure(params.callback, "Failed to obtain uAId!");
     return std::nullopt;
   }
   return sandboxDomainName(*uAId);

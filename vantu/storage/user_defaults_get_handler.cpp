@@ -1,5 +1,6 @@
 #include "vantu/storage/user_defaults_get_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
@@ -11,13 +12,13 @@ void UserDefaultsGetHandler::handleWith(H5HandlerInputParams params) {
   if (!domain) return;
   auto keys = params.data.getStringArray("keys");
   if (!keys || keys->empty()) {
-    params.callback(payload::flatError(2, "Nil or empty keys received for get op"));
+    answerFailure(params.callback, "Nil or empty keys received for get op");
     return;
   }
   UserDefaultsDataStoreImpl::shared()->getData(
       std::move(*domain), std::move(*keys),
       [callback = params.callback](bool success, std::optional<PlatformError> /*error*/, Dict result) {
-        Value answer = success ? Value(std::move(result)) : Value(payload::flatError(2, "Failed to get data!"));
+        Value answer = success ? Value(std::move(result)) : Value(payload::failure("Failed to get data!"));
         answerOnMain(callback, std::move(answer));
       });
 }

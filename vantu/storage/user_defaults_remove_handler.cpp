@@ -1,5 +1,6 @@
 #include "vantu/storage/user_defaults_remove_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
@@ -11,7 +12,7 @@ void UserDefaultsRemoveHandler::handleWith(H5HandlerInputParams params) {
   if (!domain) return;
   auto keys = params.data.getStringArray("keys");
   if (!keys || keys->empty()) {
-    params.callback(payload::flatError(2, "Nil or empty keys received for delete op"));
+    answerFailure(params.callback, "Nil or empty keys received for delete op");
     return;
   }
   UserDefaultsDataStoreImpl::shared()->removeData(
@@ -20,7 +21,7 @@ void UserDefaultsRemoveHandler::handleWith(H5HandlerInputParams params) {
         if (!self.lock()) return;
         // No "!" at the end of this one, unlike its siblings.
         Value answer = success ? Value(payload::success(Dict{}))
-                               : Value(payload::flatError(2, "Failed to delete value against key"));
+                               : Value(payload::failure("Failed to delete value against key"));
         answerOnMain(callback, std::move(answer));
       });
 }

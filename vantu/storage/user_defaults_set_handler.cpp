@@ -1,5 +1,6 @@
 #include "vantu/storage/user_defaults_set_handler.h"
 
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
@@ -13,7 +14,7 @@ void UserDefaultsSetHandler::handleWith(H5HandlerInputParams params) {
   // "A dictionary from string to any value": keys only native code can make
   // (integers, booleans) make it another type.
   if (!data || !data->hasOnlyStringKeys()) {
-    params.callback(payload::flatError(2, "Failed to bind json object data passed!"));
+    answerFailure(params.callback, "Failed to bind json object data passed!");
     return;
   }
   UserDefaultsDataStoreImpl::shared()->saveData(
@@ -21,7 +22,7 @@ void UserDefaultsSetHandler::handleWith(H5HandlerInputParams params) {
       [self = weakSelf(this), callback = params.callback](bool success, std::optional<PlatformError> /*error*/) {
         if (!self.lock()) return;
         Value answer = success ? Value(payload::success(Dict{}))
-                               : Value(payload::flatError(2, "Failed to set data against key!"));
+                               : Value(payload::failure("Failed to set data against key!"));
         answerOnMain(callback, std::move(answer));
       });
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/platform/alert_controller.h"
 
@@ -18,10 +19,10 @@ std::vector<std::string> AlertHandler::buttonTitles(std::string_view type, const
 void AlertHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto message = params.data.getString("message");
-  if (!message) return host::answerFailure(params.callback, kNoMessage);
+  if (!message) return answerFailure(params.callback, kNoMessage);
   auto type = params.data.getString("type");
-  if (!type) return host::answerFailure(params.callback, kNoType);
-  if (!params.viewController) return host::answerFailure(params.callback, kNoViewController);
+  if (!type) return answerFailure(params.callback, kNoType);
+  if (!params.viewController) return answerFailure(params.callback, kNoViewController);
 
   auto alert = std::make_shared<AlertController>(params.data.getString("title").value_or(""), std::move(*message),
                                                  AlertController::Style::Alert);

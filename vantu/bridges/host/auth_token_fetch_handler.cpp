@@ -1,6 +1,8 @@
 #include "vantu/bridges/host/auth_token_fetch_handler.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
+#include "vantu/core/h5_op_error.h"
 #include "vantu/core/laizaxlu_constants.h"
 #include "vantu/core/view_controller_context.h"
 
@@ -24,10 +26,10 @@ void AuthTokenFetchHandler::handleWith(H5HandlerInputParams params) {
                                                    std::optional<Value> value) {
     if (value) {
       const Dict* tokens = value->asDict();
-      if (tokens && tokens->hasOnlyStringKeys() && callback) callback(*tokens);
+      if (tokens && tokens->hasOnlyStringKeys()) callback(*tokens);
     }
-    if (!success) return host::answerFailure(callback, "failed to fetch access token!");
-    if (callback) callback(host::successWithData(value ? std::move(*value) : Value()));
+    if (!success) return answerFailure(callback, "failed to fetch access token!");
+    callback(payload::successWithData(value ? std::move(*value) : Value()));
   });
 }
 

@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/fetch_customer_id.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 
 namespace vantu {
 
@@ -10,8 +11,8 @@ void FetchCustomerId::handleWith(H5HandlerInputParams params) {
   if (!delegate) return;
   delegate->getCustomerId([callback = std::move(params.callback)](bool success, std::optional<PlatformError> /*error*/,
                                                                   std::optional<Value> value) {
-    if (!success) return host::answerFailure(callback, "failed to fetch customer id!");
-    if (callback) callback(value ? std::move(*value) : Value());
+    if (!success) return answerFailure(callback, "failed to fetch customer id!");
+    callback(value ? std::move(*value) : Value());
   });
 }
 

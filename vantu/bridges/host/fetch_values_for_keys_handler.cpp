@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/fetch_values_for_keys_handler.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 
 namespace vantu {
@@ -16,12 +17,12 @@ void FetchValuesForKeysHandler::handleWith(H5HandlerInputParams params) {
   auto delegate = host::hostDelegateFor(params, kMessages);
   if (!delegate) return;
   auto keys = params.data.getStringArray("keys");
-  if (!keys) return host::answerFailure(params.callback, "FetchValuesForKeys: Invalid keys parameter!");
+  if (!keys) return answerFailure(params.callback, "FetchValuesForKeys: Invalid keys parameter!");
   delegate->fetchValuesForKeys(std::move(*keys), [callback = std::move(params.callback)](
                                                      bool success, std::optional<PlatformError> /*error*/,
                                                      std::optional<Value> value) {
-    if (!success) return host::answerFailure(callback, "FetchValuesForKeys: Failed to get values for keys!");
-    if (callback) callback(payload::success(value ? std::move(*value) : Value(Array{})));
+    if (!success) return answerFailure(callback, "FetchValuesForKeys: Failed to get values for keys!");
+    callback(payload::success(value ? std::move(*value) : Value(Array{})));
   });
 }
 

@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/navigate_to_handler.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 
 namespace vantu {
 namespace {
@@ -41,11 +42,11 @@ std::optional<NavigationRequest> bind(const Dict& args) {
 void NavigateToHandler::handleWith(H5HandlerInputParams params) {
   trackData(kBridgeName, params);
   auto request = bind(params.data);
-  if (!request) return host::answerFailure(params.callback, host::kInvalidParameter);
+  if (!request) return answerFailure(params.callback, host::kInvalidParameter);
   auto delegate = host::hostDelegateFor(params);
   if (!delegate) return;
   delegate->navigate(std::move(request->to), std::move(request->data), request->clearBackStack, request->finishThis,
-                     host::answerSuccessWithData(params.callback, "Failed Navigation result!"));
+                     answerSuccessWithData(params.callback, "Failed Navigation result!"));
 }
 
 }  // namespace vantu

@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/session_expiry_handler.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 
 namespace vantu {
 
@@ -9,7 +10,7 @@ void SessionExpiryHandler::handleWith(H5HandlerInputParams params) {
   auto delegate = host::hostDelegateFor(params);
   if (!delegate) return;
   delegate->handleSessionExpiry(std::move(params.data),
-                                host::answerSuccessFlag(params.callback, "failed to handle session expiry!"));
+                                answerSuccessFlag(params.callback, "failed to handle session expiry!"));
 }
 
 }  // namespace vantu

@@ -1,6 +1,7 @@
 #include "vantu/bridges/host/track_event_handler.h"
 
 #include "vantu/bridges/host/host_delegate_lookup.h"
+#include "vantu/core/h5_answers.h"
 
 namespace vantu {
 
@@ -9,7 +10,7 @@ void TrackEventHandler::handleWith(H5HandlerInputParams params) {
   auto delegate = host::hostDelegateFor(params);
   if (!delegate) return;
   delegate->trackCustomEventFor(std::move(params.data),
-                                host::answerSuccessWithData(params.callback, "failed to track Event"));
+                                answerSuccessWithData(params.callback, "failed to track Event"));
 }
 
 }  // namespace vantu
