@@ -19,6 +19,8 @@
 
 namespace vantu {
 
+/// The environment ("Laizaxlu" is the contract's name for it): one per
+/// process, holding what the host hands the library.
 class Laizaxlu : public Object {
  public:
   /// The one instance, created on first use.

@@ -19,6 +19,8 @@ namespace vantu {
 // --- Attached values. Setters marked "nil ignored" keep the earlier value
 // when given nothing; the others store what they are given (nothing clears).
 
+/// The host's delegate object for this screen (any object; a bridge checks
+/// that it is a VantuH5Delegate).
 std::shared_ptr<Object> getVH5ViewControllerDelegate(const ViewController& vc);
 void setVH5ViewControllerDelegate(ViewController& vc, std::shared_ptr<Object> delegate);  // nil ignored
 
@@ -28,6 +30,7 @@ void setUniqueAppIdentifier(ViewController& vc, std::optional<std::string> id); 
 std::optional<bool> getIsH5(const ViewController& vc);
 void setIsH5(ViewController& vc, std::optional<bool> value);  // nil ignored
 
+/// Whether the screen is a host container screen (not a web page).
 std::optional<bool> getIsHc(const ViewController& vc);
 void setIsHc(ViewController& vc, std::optional<bool> value);
 
@@ -50,13 +53,18 @@ void setAppType(ViewController& vc, AppType type);
 /// itself may leave there).
 void setAppTypeText(ViewController& vc, std::string text);
 
-// --- Lookups.
+// --- Lookups. The contract calls them "Recursively", but they follow the
+// ancestor rule: self, parent, grandparent, no further.
 
+/// The delegate by the ancestor rule.
 std::shared_ptr<Object> getVH5ViewControllerDelegateRecursively(const ViewController& vc);
+/// The unique app id by the ancestor rule.
 std::optional<std::string> getUniqueAppIdentifierRecursively(const ViewController& vc);
+/// isH5 / isHc by the ancestor rule; false when absent.
 bool isH5ViewController(const ViewController& vc);
 bool isHcViewController(const ViewController& vc);
-/// This view controller's own isH5 (no ancestors); false if absent.
+/// This view controller's own isH5 ("Val": the value, not the optional; no
+/// ancestors); false if absent.
 bool getIsH5Val(const ViewController& vc);
 /// The nearest of self, parent, grandparent whose isH5 is present and true.
 std::shared_ptr<ViewController> extractH5ViewController(ViewController& vc);
