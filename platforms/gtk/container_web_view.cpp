@@ -4,8 +4,6 @@
 
 #include "platforms/gtk/glib_main_context.h"
 #include "vantu/container/h5_provider_error.h"
-#include "vantu/core/laizaxlu.h"
-#include "vantu/core/url.h"
 #include "vantu/runtime/js_sdk.h"
 
 namespace vantu::gtk {
@@ -30,11 +28,6 @@ void addScript(WebKitUserContentManager* manager, const char* source, const char
                                    : webkit_user_script_new(source, frames, time, nullptr, nullptr);
   webkit_user_content_manager_add_script(manager, script);
   webkit_user_script_unref(script);
-}
-
-bool passesWhitelist(const std::string& uri) {
-  auto url = Url::parse(uri);
-  return url && Laizaxlu::shared().isURLWhitelisted(*url);
 }
 
 }  // namespace
@@ -144,7 +137,8 @@ gboolean ContainerWebView::onDecidePolicy(WebKitWebView*, WebKitPolicyDecision* 
   auto* view = static_cast<ContainerWebView*>(self);
   const std::string uri = webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(response));
   if (!view->errorPageFor_.empty() && uri == view->errorPageFor_) return FALSE;
-  if (uri.rfind("about:", 0) == 0 || passesWhitelist(uri)) return FALSE;
+  // The gate a top-frame bridge call must pass: the web-domain whitelist.
+  if (uri.rfind("about:", 0) == 0 || page::PageBridge::isAllowed({true, uri})) return FALSE;
   webkit_policy_decision_ignore(decision);
   view->refuse(uri);
   return TRUE;

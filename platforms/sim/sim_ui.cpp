@@ -164,62 +164,44 @@ std::shared_ptr<SimWebView> SimWebView::make(std::shared_ptr<EffectLog> log, Rec
   return webView;
 }
 
-std::shared_ptr<View> SimViewController::loadView() { return namedRootView(log_, name()); }
+template <class Base>
+std::shared_ptr<View> RecordedController<Base>::loadView() {
+  return namedRootView(log_, this->name());
+}
 
-void SimViewController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
+template <class Base>
+void RecordedController<Base>::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
   recordPresentation(*log_, "present", *this, *presented, animated);
   log_->presented(presented);
 }
 
-void SimViewController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
+template <class Base>
+void RecordedController<Base>::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
   recordPresentation(*log_, "dismiss", *this, *presented, animated);
 }
 
-void SimViewController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
+template <class Base>
+void RecordedController<Base>::didRefusePresentation(const std::shared_ptr<ViewController>& presented,
+                                                     bool animated) {
   recordPresentation(*log_, "presentRefused", *this, *presented, animated);
 }
 
-SimNavigationController::SimNavigationController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
-  replaceNavigationBar(std::make_shared<SimNavigationBar>(log_, Rect{0, 0, 0, 44}));
-}
+template class RecordedController<ViewController>;
+template class RecordedController<NavigationController>;
+template class RecordedController<TabBarController>;
 
-std::shared_ptr<View> SimNavigationController::loadView() { return namedRootView(log_, name()); }
+SimNavigationController::SimNavigationController(std::shared_ptr<EffectLog> log)
+    : RecordedController(std::move(log)) {
+  replaceNavigationBar(std::make_shared<SimNavigationBar>(this->log(), Rect{0, 0, 0, 44}));
+}
 
 void SimNavigationController::didPush(const std::shared_ptr<ViewController>& pushed, bool animated) {
-  log_->record(Dict{{"effect", "push"}, {"navigationController", describe(this)}, {"pushed", describe(pushed.get())},
-                    {"animated", animated}});
+  log()->record(Dict{{"effect", "push"}, {"navigationController", describe(this)}, {"pushed", describe(pushed.get())},
+                     {"animated", animated}});
 }
 
-void SimNavigationController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "present", *this, *presented, animated);
-  log_->presented(presented);
-}
-
-void SimNavigationController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "dismiss", *this, *presented, animated);
-}
-
-void SimNavigationController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "presentRefused", *this, *presented, animated);
-}
-
-SimTabBarController::SimTabBarController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {
-  replaceTabBar(std::make_shared<SimView>(log_, Rect{0, 0, 0, 49}));
-}
-
-std::shared_ptr<View> SimTabBarController::loadView() { return namedRootView(log_, name()); }
-
-void SimTabBarController::didPresent(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "present", *this, *presented, animated);
-  log_->presented(presented);
-}
-
-void SimTabBarController::didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "dismiss", *this, *presented, animated);
-}
-
-void SimTabBarController::didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) {
-  recordPresentation(*log_, "presentRefused", *this, *presented, animated);
+SimTabBarController::SimTabBarController(std::shared_ptr<EffectLog> log) : RecordedController(std::move(log)) {
+  replaceTabBar(std::make_shared<SimView>(this->log(), Rect{0, 0, 0, 49}));
 }
 
 void SimApplication::openSettings() { log_->record(Dict{{"effect", "openSettings"}}); }

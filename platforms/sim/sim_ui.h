@@ -86,9 +86,13 @@ class SimWebView : public Recorded<WebView> {
   using Recorded<WebView>::Recorded;
 };
 
-class SimViewController : public ViewController {
+/// A view controller model that names its root view after itself and
+/// records every presentation, dismissal and refused presentation on it;
+/// a presentation also reaches the log's presentation observer.
+template <class Base>
+class RecordedController : public Base {
  public:
-  explicit SimViewController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {}
+  explicit RecordedController(std::shared_ptr<EffectLog> log) : log_(std::move(log)) {}
 
  protected:
   std::shared_ptr<View> loadView() override;
@@ -96,37 +100,29 @@ class SimViewController : public ViewController {
   void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
   void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
 
+  const std::shared_ptr<EffectLog>& log() const { return log_; }
+
  private:
   std::shared_ptr<EffectLog> log_;
 };
 
-class SimNavigationController : public NavigationController {
+extern template class RecordedController<ViewController>;
+extern template class RecordedController<NavigationController>;
+extern template class RecordedController<TabBarController>;
+
+using SimViewController = RecordedController<ViewController>;
+
+class SimNavigationController : public RecordedController<NavigationController> {
  public:
   explicit SimNavigationController(std::shared_ptr<EffectLog> log);
 
  protected:
-  std::shared_ptr<View> loadView() override;
   void didPush(const std::shared_ptr<ViewController>& pushed, bool animated) override;
-  void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
-  void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
-  void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
-
- private:
-  std::shared_ptr<EffectLog> log_;
 };
 
-class SimTabBarController : public TabBarController {
+class SimTabBarController : public RecordedController<TabBarController> {
  public:
   explicit SimTabBarController(std::shared_ptr<EffectLog> log);
-
- protected:
-  std::shared_ptr<View> loadView() override;
-  void didPresent(const std::shared_ptr<ViewController>& presented, bool animated) override;
-  void didDismiss(const std::shared_ptr<ViewController>& presented, bool animated) override;
-  void didRefusePresentation(const std::shared_ptr<ViewController>& presented, bool animated) override;
-
- private:
-  std::shared_ptr<EffectLog> log_;
 };
 
 class SimApplication : public Application {

@@ -3,6 +3,7 @@
 #include "vantu/container/startup_params.h"
 #include "vantu/container/vantu_h5_container_customization_constants.h"
 #include "vantu/container/vantu_h5_web_view_customization_constants.h"
+#include "vantu/core/h5_answers.h"
 #include "vantu/core/laizaxlu.h"
 
 namespace vantu::push_window {
@@ -56,6 +57,26 @@ bool pushFromProvider(const std::shared_ptr<ViewController>& caller, NavigationC
   if (!screen) return false;
   navigationController.pushViewController(screen, true);
   return true;
+}
+
+void checkAndPush(const H5HandlerInputParams& params, const Rules& rules) {
+  auto fail = [&params](std::string_view message) { answerFailure(params.callback, message); };
+  if (!params.viewController) return fail("Unable to get current H5 Context");
+  auto url = params.data.getString("url");
+  if (!url) return fail("invalid parameters: no url could be bound in data");
+  if (rules.refuseUrl) {
+    if (auto refusal = rules.refuseUrl(*url)) return fail(*refusal);
+  }
+  auto startup = bindStartupParams(params.data);
+  if (!startup) return fail("invalid parameters: no params or param could be bound in data");
+  auto navigationController = navigationControllerFor(*params.viewController);
+  if (!navigationController) return fail("Unable to get nav controller");
+  auto appId = rules.appId(params);
+  if (!appId) return fail(rules.noAppIdMessage);
+  if (!pushFromProvider(params.viewController, *navigationController, *url, *startup, *appId)) {
+    return fail(kNoProviderResult);
+  }
+  // Pushed: the page gets no answer.
 }
 
 }  // namespace vantu::push_window

@@ -4,7 +4,8 @@
 
 namespace vantu {
 
-/// "vantuDeviceManufacturer": always {"data": "Apple"}.
+/// "vantuDeviceManufacturer": {"data": the device-info store's manufacturer},
+/// always "Apple".
 class DeviceManufacturerHandler : public H5BaseHandler {
  public:
   static constexpr std::string_view kBridgeName = "vantuDeviceManufacturer";
