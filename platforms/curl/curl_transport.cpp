@@ -294,7 +294,7 @@ CurlTransport::~CurlTransport() {
   curl_multi_cleanup(static_cast<CURLM*>(multi_));
 }
 
-void CurlTransport::startTransfer(HttpTransfer transfer, Completion completion, MetricsHandler metrics) {
+void CurlTransport::doStart(HttpTransfer transfer, Completion completion, MetricsHandler metrics) {
   auto job = std::make_unique<Job>();
   job->transfer = std::move(transfer);
   job->completion = std::move(completion);

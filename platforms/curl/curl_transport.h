@@ -52,7 +52,7 @@ class CurlTransport : public HttpTransport {
   struct Job;
 
  protected:
-  void startTransfer(HttpTransfer transfer, Completion completion, MetricsHandler metrics) override;
+  void doStart(HttpTransfer transfer, Completion completion, MetricsHandler metrics) override;
 
  private:
   void run();

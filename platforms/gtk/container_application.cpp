@@ -15,7 +15,7 @@ ContainerApplication::ContainerApplication([[maybe_unused]] std::shared_ptr<Disp
 #endif
 }
 
-bool ContainerApplication::imagePickerSourceAvailable(ImagePickerSource source) const {
+bool ContainerApplication::doIsImagePickerSourceAvailable(ImagePickerSource source) const {
   if (source != ImagePickerSource::camera) return true;
   if (cameraScripted_) return true;
 #ifdef VANTU_HAVE_CAMERA

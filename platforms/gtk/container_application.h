@@ -44,7 +44,7 @@ class ContainerApplication : public linux_platform::LinuxApplication {
 #endif
 
  protected:
-  bool imagePickerSourceAvailable(ImagePickerSource source) const override;
+  bool doIsImagePickerSourceAvailable(ImagePickerSource source) const override;
 
  private:
   std::string cameraSource_;

@@ -13,7 +13,7 @@ class LinuxApplication : public Application {
   explicit LinuxApplication(std::function<void()> settingsPage = {}) : settingsPage_(std::move(settingsPage)) {}
 
  protected:
-  void openSettings() override {
+  void doOpenSettingsPage() override {
     if (settingsPage_) settingsPage_();
   }
 

@@ -53,12 +53,12 @@ class LinuxDeviceFacts : public DeviceFacts {
   explicit LinuxDeviceFacts(Options options);
 
  protected:
-  std::optional<Dict> mainBundleInfo() const override { return bundleInfo_; }
-  std::string hardwareMachine() const override { return machine_; }
-  std::string osVersion() const override { return version_; }
-  std::optional<std::string> localeLanguageCode() const override { return language_; }
-  std::optional<std::string> currentRadioAccessTechnology() const override { return std::nullopt; }
-  bool runningOnDevice() const override { return true; }
+  std::optional<Dict> doBundleInfo() const override { return bundleInfo_; }
+  std::string doModelIdentifier() const override { return machine_; }
+  std::string doSystemVersion() const override { return version_; }
+  std::optional<std::string> doLanguageCode() const override { return language_; }
+  std::optional<std::string> doRadioAccessTechnology() const override { return std::nullopt; }
+  bool doIsRunningOnDevice() const override { return true; }
 
  private:
   std::optional<Dict> bundleInfo_;

@@ -74,9 +74,9 @@ class MainContextQueue : public SerialQueue {
       : SerialQueue("com.vantu.main"), context_(std::move(context)) {}
 
  protected:
-  void enqueue(Task task) override { context_->post(Duration::zero(), std::move(task)); }
-  void enqueueAfter(Duration delay, Task task) override { context_->post(delay, std::move(task)); }
-  void runAndWait(Task task) override {
+  void doAsync(Task task) override { context_->post(Duration::zero(), std::move(task)); }
+  void doAsyncAfter(Duration delay, Task task) override { context_->post(delay, std::move(task)); }
+  void doSync(Task task) override {
     if (context_->isMainThread()) {
       task();
       return;
@@ -270,11 +270,11 @@ void WorkerQueue::work(const std::shared_ptr<State>& state) {
   }
 }
 
-void WorkerQueue::enqueue(Task task) { add(Duration::zero(), std::move(task)); }
+void WorkerQueue::doAsync(Task task) { add(Duration::zero(), std::move(task)); }
 
-void WorkerQueue::enqueueAfter(Duration delay, Task task) { add(delay, std::move(task)); }
+void WorkerQueue::doAsyncAfter(Duration delay, Task task) { add(delay, std::move(task)); }
 
-void WorkerQueue::runAndWait(Task task) {
+void WorkerQueue::doSync(Task task) {
   bool onWorker;
   {
     std::lock_guard lock(state_->mutex);
@@ -300,14 +300,14 @@ LinuxDispatch::LinuxDispatch(std::shared_ptr<MainContext> mainContext)
   main_ = std::make_shared<MainContextQueue>(context_);
 }
 
-std::shared_ptr<SerialQueue> LinuxDispatch::createSerialQueue(std::string label) {
+std::shared_ptr<SerialQueue> LinuxDispatch::doMakeSerialQueue(std::string label) {
   return std::make_shared<WorkerQueue>(std::move(label));
 }
 
-Duration LinuxDispatch::currentTime() const {
+Duration LinuxDispatch::doNow() const {
   return std::chrono::duration_cast<Duration>(std::chrono::steady_clock::now() - start_);
 }
 
-std::shared_ptr<OutstandingWork> LinuxDispatch::createOutstandingWork() { return std::make_shared<Token>(outstanding_); }
+std::shared_ptr<OutstandingWork> LinuxDispatch::doBeginOutstandingWork() { return std::make_shared<Token>(outstanding_); }
 
 }  // namespace vantu::linux_platform

@@ -125,10 +125,10 @@ class LinuxDispatch : public Dispatch {
   std::size_t outstandingWork() const { return outstanding_->load(); }
 
  protected:
-  std::shared_ptr<SerialQueue> mainQueue() override { return main_; }
-  std::shared_ptr<SerialQueue> createSerialQueue(std::string label) override;
-  Duration currentTime() const override;
-  std::shared_ptr<OutstandingWork> createOutstandingWork() override;
+  std::shared_ptr<SerialQueue> doMain() override { return main_; }
+  std::shared_ptr<SerialQueue> doMakeSerialQueue(std::string label) override;
+  Duration doNow() const override;
+  std::shared_ptr<OutstandingWork> doBeginOutstandingWork() override;
 
  private:
   std::shared_ptr<EventLoop> loop_;
@@ -157,9 +157,9 @@ class WorkerQueue : public SerialQueue {
   bool started() const;
 
  protected:
-  void enqueue(Task task) override;
-  void enqueueAfter(Duration delay, Task task) override;
-  void runAndWait(Task task) override;
+  void doAsync(Task task) override;
+  void doAsyncAfter(Duration delay, Task task) override;
+  void doSync(Task task) override;
 
  private:
   struct State;

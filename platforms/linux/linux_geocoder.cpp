@@ -2,7 +2,7 @@
 
 namespace vantu::linux_platform {
 
-void LinuxGeocoder::reverseGeocodeLocation(Coordinate, Completion completion) {
+void LinuxGeocoder::doReverseGeocode(Coordinate, Completion completion) {
   dispatch_->main()->async([completion = std::move(completion)] {
     completion({}, PlatformError{kErrorDomain, kGeocodingUnavailable, kUnavailableDescription, std::nullopt, {}});
   });

@@ -23,7 +23,7 @@ class LinuxGeocoder : public Geocoder {
   explicit LinuxGeocoder(std::shared_ptr<Dispatch> dispatch) : dispatch_(std::move(dispatch)) {}
 
  protected:
-  void reverseGeocodeLocation(Coordinate position, Completion completion) override;
+  void doReverseGeocode(Coordinate position, Completion completion) override;
 
  private:
   std::shared_ptr<Dispatch> dispatch_;

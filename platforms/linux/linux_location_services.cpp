@@ -16,14 +16,14 @@ std::shared_ptr<LinuxLocationServices> LinuxLocationServices::make(std::shared_p
   return services;
 }
 
-AuthorizationState LinuxLocationServices::currentAuthorization() const {
+AuthorizationState LinuxLocationServices::doAuthorizationState() const {
   return store_->state(ProtectedResource::location);
 }
 
 void LinuxLocationServices::questionAnswered(AuthorizationState state) {
   // A stored answer has reached the managers through the store already; one
   // that was not stored (nobody could be asked) is told here.
-  if (currentAuthorization() != state) tellManagers(state);
+  if (authorizationState() != state) tellManagers(state);
 }
 
 }  // namespace vantu::linux_platform

@@ -26,7 +26,7 @@ class LinuxLocationServices : public PromptedLocationServices {
   std::optional<Coordinate> currentFix() const override { return position_ ? position_() : std::nullopt; }
 
  protected:
-  AuthorizationState currentAuthorization() const override;
+  AuthorizationState doAuthorizationState() const override;
   void questionAnswered(AuthorizationState state) override;
 
  private:

@@ -29,7 +29,7 @@ PlatformError failure(std::string description) {
 
 }  // namespace
 
-void LinuxPhotoLibrary::performCreateAsset(Bytes encodedImage, Completion completion) {
+void LinuxPhotoLibrary::doCreateAsset(Bytes encodedImage, Completion completion) {
   if (!decodeImage(encodedImage.data)) return completion(false, failure("The data is not a picture."));
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);

@@ -16,7 +16,7 @@ class LinuxPhotoLibrary : public PhotoLibrary {
 
  protected:
   /// Answers on the calling thread.
-  void performCreateAsset(Bytes encodedImage, Completion completion) override;
+  void doCreateAsset(Bytes encodedImage, Completion completion) override;
 
  private:
   std::filesystem::path folder_;

@@ -12,7 +12,7 @@
 
 namespace vantu::linux_platform {
 
-void StreamConsole::write(std::string_view line) {
+void StreamConsole::doPrintLine(std::string_view line) {
   flockfile(stream_);
   std::fwrite(line.data(), 1, line.size(), stream_);
   std::fputc('\n', stream_);

@@ -41,7 +41,7 @@ class StreamConsole : public Console {
   explicit StreamConsole(std::FILE* stream = stdout) : stream_(stream) {}
 
  protected:
-  void write(std::string_view line) override;
+  void doPrintLine(std::string_view line) override;
 
  private:
   std::FILE* stream_;

@@ -26,13 +26,13 @@ bool LinuxReachabilityHandle::monitoring() const {
   return monitor_ != nullptr;
 }
 
-std::optional<ReachabilityFlags> LinuxReachabilityHandle::fetchFlags() {
+std::optional<ReachabilityFlags> LinuxReachabilityHandle::doCurrentFlags() {
   auto snapshot = readNetworkSnapshot();
   if (!snapshot) return std::nullopt;
   return deriveFlags(*snapshot);
 }
 
-bool LinuxReachabilityHandle::installCallback(Callback callback) {
+bool LinuxReachabilityHandle::doSetCallback(Callback callback) {
   std::lock_guard control(controlMutex_);
   {
     std::lock_guard lock(stateMutex_);
@@ -42,7 +42,7 @@ bool LinuxReachabilityHandle::installCallback(Callback callback) {
   return restartMonitor();
 }
 
-bool LinuxReachabilityHandle::installQueue(std::shared_ptr<SerialQueue> queue) {
+bool LinuxReachabilityHandle::doSetDispatchQueue(std::shared_ptr<SerialQueue> queue) {
   std::lock_guard control(controlMutex_);
   {
     std::lock_guard lock(stateMutex_);
@@ -109,11 +109,11 @@ void LinuxReachabilityHandle::deliver(std::uint64_t generation, ReachabilityFlag
   callback(flags);
 }
 
-std::shared_ptr<ReachabilityHandle> LinuxReachability::createForAddress(const SocketAddress& address) {
+std::shared_ptr<ReachabilityHandle> LinuxReachability::doHandleForAddress(const SocketAddress& address) {
   if (!(address == SocketAddress::zeroIPv4())) return nullptr;
   return std::make_shared<LinuxReachabilityHandle>();
 }
 
-std::shared_ptr<ReachabilityHandle> LinuxReachability::createForHostname(const std::string&) { return nullptr; }
+std::shared_ptr<ReachabilityHandle> LinuxReachability::doHandleForHostname(const std::string&) { return nullptr; }
 
 }  // namespace vantu::linux_platform

@@ -39,9 +39,9 @@ class LinuxReachabilityHandle : public ReachabilityHandle,
   bool monitoring() const;
 
  protected:
-  std::optional<ReachabilityFlags> fetchFlags() override;
-  bool installCallback(Callback callback) override;
-  bool installQueue(std::shared_ptr<SerialQueue> queue) override;
+  std::optional<ReachabilityFlags> doCurrentFlags() override;
+  bool doSetCallback(Callback callback) override;
+  bool doSetDispatchQueue(std::shared_ptr<SerialQueue> queue) override;
 
  private:
   struct Monitor;
@@ -63,8 +63,8 @@ class LinuxReachabilityHandle : public ReachabilityHandle,
 
 class LinuxReachability : public Reachability {
  protected:
-  std::shared_ptr<ReachabilityHandle> createForAddress(const SocketAddress& address) override;
-  std::shared_ptr<ReachabilityHandle> createForHostname(const std::string& hostname) override;
+  std::shared_ptr<ReachabilityHandle> doHandleForAddress(const SocketAddress& address) override;
+  std::shared_ptr<ReachabilityHandle> doHandleForHostname(const std::string& hostname) override;
 };
 
 }  // namespace vantu::linux_platform

@@ -260,7 +260,7 @@ class PamAuthenticationContext : public AuthenticationContext {
 
  protected:
   // The fallback title has no use here: the password is the only method.
-  void evaluate(std::string reason, Reply reply) override {
+  void doEvaluateDeviceOwnerAuthentication(std::string reason, Reply reply) override {
     core_->evaluate(std::move(reason), localizedCancelTitle(), std::move(reply));
   }
 
@@ -282,7 +282,7 @@ PamOwnerAuthentication::PamOwnerAuthentication(std::shared_ptr<Dispatch> dispatc
 
 PamOwnerAuthentication::~PamOwnerAuthentication() { core_->close(); }
 
-std::shared_ptr<AuthenticationContext> PamOwnerAuthentication::createContext() {
+std::shared_ptr<AuthenticationContext> PamOwnerAuthentication::doMakeContext() {
   return std::make_shared<PamAuthenticationContext>(core_);
 }
 

@@ -69,7 +69,7 @@ class PamOwnerAuthentication : public DeviceOwnerAuthentication {
   struct Core;
 
  protected:
-  std::shared_ptr<AuthenticationContext> createContext() override;
+  std::shared_ptr<AuthenticationContext> doMakeContext() override;
 
  private:
   std::shared_ptr<Core> core_;

@@ -9,11 +9,11 @@ AuthorizationState StoredAuthorization::grantedState(ProtectedResource resource)
                                                  : AuthorizationState::authorized;
 }
 
-AuthorizationState StoredAuthorization::currentState(ProtectedResource resource) const {
+AuthorizationState StoredAuthorization::doState(ProtectedResource resource) const {
   return store_->state(resource);
 }
 
-void StoredAuthorization::requestAccess(ProtectedResource resource, Completion completion) {
+void StoredAuthorization::doRequest(ProtectedResource resource, Completion completion) {
   const AuthorizationState state = store_->state(resource);
   if (state != AuthorizationState::notDetermined || !prompt_) {
     const AuthorizationState answer = state == AuthorizationState::notDetermined ? AuthorizationState::denied : state;

@@ -30,8 +30,8 @@ class StoredAuthorization : public Authorization, public std::enable_shared_from
   static AuthorizationState grantedState(ProtectedResource resource);
 
  protected:
-  AuthorizationState currentState(ProtectedResource resource) const override;
-  void requestAccess(ProtectedResource resource, Completion completion) override;
+  AuthorizationState doState(ProtectedResource resource) const override;
+  void doRequest(ProtectedResource resource, Completion completion) override;
 
  private:
   void answered(ProtectedResource resource, bool allowed);

@@ -14,13 +14,13 @@ class RadioOverride : public DeviceFacts {
       : base_(std::move(base)), radio_(std::move(radio)) {}
 
  protected:
-  std::optional<Dict> mainBundleInfo() const override { return base_->bundleInfo(); }
-  std::string hardwareMachine() const override { return base_->modelIdentifier(); }
-  std::string osVersion() const override { return base_->systemVersion(); }
-  std::optional<std::string> localeLanguageCode() const override { return base_->languageCode(); }
-  std::optional<std::string> currentRadioAccessTechnology() const override { return radio_; }
-  bool runningOnDevice() const override { return base_->isRunningOnDevice(); }
-  double currentTimeSince1970() const override { return base_->secondsSince1970(); }
+  std::optional<Dict> doBundleInfo() const override { return base_->bundleInfo(); }
+  std::string doModelIdentifier() const override { return base_->modelIdentifier(); }
+  std::string doSystemVersion() const override { return base_->systemVersion(); }
+  std::optional<std::string> doLanguageCode() const override { return base_->languageCode(); }
+  std::optional<std::string> doRadioAccessTechnology() const override { return radio_; }
+  bool doIsRunningOnDevice() const override { return base_->isRunningOnDevice(); }
+  double doSecondsSince1970() const override { return base_->secondsSince1970(); }
 
  private:
   std::shared_ptr<DeviceFacts> base_;

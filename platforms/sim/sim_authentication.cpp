@@ -9,7 +9,7 @@ class SimAuthenticationContext : public AuthenticationContext {
       : service_(std::move(service)) {}
 
  protected:
-  void evaluate(std::string reason, Reply reply) override {
+  void doEvaluateDeviceOwnerAuthentication(std::string reason, Reply reply) override {
     if (auto service = service_.lock()) service->evaluate(*this, reason, std::move(reply));
   }
 
@@ -34,7 +34,7 @@ SimDeviceOwnerAuthentication::SimDeviceOwnerAuthentication(std::shared_ptr<Dispa
                                                            std::shared_ptr<EffectLog> effects)
     : queue_(dispatch->makeSerialQueue("sim.deviceOwnerAuthentication")), effects_(std::move(effects)) {}
 
-std::shared_ptr<AuthenticationContext> SimDeviceOwnerAuthentication::createContext() {
+std::shared_ptr<AuthenticationContext> SimDeviceOwnerAuthentication::doMakeContext() {
   return std::make_shared<SimAuthenticationContext>(weak_from_this());
 }
 

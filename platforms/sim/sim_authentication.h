@@ -46,7 +46,7 @@ class SimDeviceOwnerAuthentication : public DeviceOwnerAuthentication,
   void evaluate(const AuthenticationContext& context, const std::string& reason, AuthenticationContext::Reply reply);
 
  protected:
-  std::shared_ptr<AuthenticationContext> createContext() override;
+  std::shared_ptr<AuthenticationContext> doMakeContext() override;
 
  private:
   void reply(const AuthenticationAnswer& given, AuthenticationContext::Reply reply);

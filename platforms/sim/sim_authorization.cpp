@@ -2,12 +2,12 @@
 
 namespace vantu::sim {
 
-AuthorizationState SimAuthorization::currentState(ProtectedResource r) const {
+AuthorizationState SimAuthorization::doState(ProtectedResource r) const {
   auto it = resources_.find(r);
   return it == resources_.end() ? Resource{}.state : it->second.state;
 }
 
-void SimAuthorization::requestAccess(ProtectedResource r, Completion completion) {
+void SimAuthorization::doRequest(ProtectedResource r, Completion completion) {
   Resource& res = resources_[r];
   if (res.state != AuthorizationState::notDetermined) {
     // No prompt: the system answers what it already knows.

@@ -33,8 +33,8 @@ class SimAuthorization : public Authorization {
   std::size_t heldPrompts(ProtectedResource r) const;
 
  protected:
-  AuthorizationState currentState(ProtectedResource r) const override;
-  void requestAccess(ProtectedResource r, Completion completion) override;
+  AuthorizationState doState(ProtectedResource r) const override;
+  void doRequest(ProtectedResource r, Completion completion) override;
 
  private:
   void answer(ProtectedResource r, AuthorizationState state, Completion completion);

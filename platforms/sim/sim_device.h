@@ -34,7 +34,7 @@ class SimConsole : public Console {
   std::vector<std::string> take() { return std::exchange(lines_, {}); }
 
  protected:
-  void write(std::string_view line) override { lines_.emplace_back(line); }
+  void doPrintLine(std::string_view line) override { lines_.emplace_back(line); }
 
  private:
   std::vector<std::string> lines_;
@@ -53,13 +53,13 @@ class SimDeviceFacts : public DeviceFacts {
   const SimDispatch* dispatch = nullptr;
 
  protected:
-  std::optional<Dict> mainBundleInfo() const override { return info; }
-  std::string hardwareMachine() const override { return model; }
-  std::string osVersion() const override { return osVersionText; }
-  std::optional<std::string> localeLanguageCode() const override { return language; }
-  std::optional<std::string> currentRadioAccessTechnology() const override { return radioTechnology; }
-  bool runningOnDevice() const override { return onDevice; }
-  double currentTimeSince1970() const override {
+  std::optional<Dict> doBundleInfo() const override { return info; }
+  std::string doModelIdentifier() const override { return model; }
+  std::string doSystemVersion() const override { return osVersionText; }
+  std::optional<std::string> doLanguageCode() const override { return language; }
+  std::optional<std::string> doRadioAccessTechnology() const override { return radioTechnology; }
+  bool doIsRunningOnDevice() const override { return onDevice; }
+  double doSecondsSince1970() const override {
     return clockAtStart + (dispatch ? std::chrono::duration<double>(dispatch->now()).count() : 0.0);
   }
 };

@@ -8,13 +8,13 @@ class SimQueue : public SerialQueue {
   SimQueue(std::string label, std::weak_ptr<SimDispatch> loop) : SerialQueue(std::move(label)), loop_(std::move(loop)) {}
 
  protected:
-  void enqueue(Task task) override { enqueueAfter(Duration::zero(), std::move(task)); }
+  void doAsync(Task task) override { doAsyncAfter(Duration::zero(), std::move(task)); }
 
-  void enqueueAfter(Duration delay, Task task) override {
+  void doAsyncAfter(Duration delay, Task task) override {
     if (auto loop = loop_.lock()) loop->post(delay, std::move(task));
   }
 
-  void runAndWait(Task task) override {
+  void doSync(Task task) override {
     auto loop = loop_.lock();
     if (!loop) return;
     if (loop->onLoopThread()) {
@@ -53,22 +53,22 @@ struct SimDispatch::Work : OutstandingWork {
 
 SimDispatch::SimDispatch() : loopThread_(std::this_thread::get_id()) {}
 
-std::shared_ptr<SerialQueue> SimDispatch::mainQueue() {
+std::shared_ptr<SerialQueue> SimDispatch::doMain() {
   std::lock_guard lock(mutex_);
   if (!main_) main_ = std::make_shared<SimQueue>("com.apple.main-thread", weak_from_this());
   return main_;
 }
 
-std::shared_ptr<SerialQueue> SimDispatch::createSerialQueue(std::string label) {
+std::shared_ptr<SerialQueue> SimDispatch::doMakeSerialQueue(std::string label) {
   return std::make_shared<SimQueue>(std::move(label), weak_from_this());
 }
 
-Duration SimDispatch::currentTime() const {
+Duration SimDispatch::doNow() const {
   std::lock_guard lock(mutex_);
   return now_;
 }
 
-std::shared_ptr<OutstandingWork> SimDispatch::createOutstandingWork() {
+std::shared_ptr<OutstandingWork> SimDispatch::doBeginOutstandingWork() {
   std::lock_guard lock(mutex_);
   ++outstanding_;
   return std::make_shared<Work>(weak_from_this());

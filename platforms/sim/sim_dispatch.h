@@ -42,10 +42,10 @@ class SimDispatch : public Dispatch, public std::enable_shared_from_this<SimDisp
   bool onLoopThread() const;
 
  protected:
-  std::shared_ptr<SerialQueue> mainQueue() override;
-  std::shared_ptr<SerialQueue> createSerialQueue(std::string label) override;
-  Duration currentTime() const override;
-  std::shared_ptr<OutstandingWork> createOutstandingWork() override;
+  std::shared_ptr<SerialQueue> doMain() override;
+  std::shared_ptr<SerialQueue> doMakeSerialQueue(std::string label) override;
+  Duration doNow() const override;
+  std::shared_ptr<OutstandingWork> doBeginOutstandingWork() override;
 
  private:
   struct Work;

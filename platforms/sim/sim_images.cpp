@@ -26,7 +26,7 @@ void SimImageStore::remove(std::string_view name) {
   if (auto it = images_.find(name); it != images_.end()) images_.erase(it);
 }
 
-std::shared_ptr<const Image> SimImageStore::findImage(std::string_view name) const {
+std::shared_ptr<const Image> SimImageStore::doImageNamed(std::string_view name) const {
   auto it = images_.find(name);
   return it == images_.end() ? nullptr : it->second;
 }

@@ -20,7 +20,7 @@ class SimImageStore : public ImageStore {
   void remove(std::string_view name);
 
  protected:
-  std::shared_ptr<const Image> findImage(std::string_view name) const override;
+  std::shared_ptr<const Image> doImageNamed(std::string_view name) const override;
 
  private:
   std::map<std::string, std::shared_ptr<const Image>, std::less<>> images_;

@@ -30,7 +30,7 @@ class SimLocationServices : public PromptedLocationServices {
   std::optional<Coordinate> currentFix() const override { return lastFix; }
 
  protected:
-  AuthorizationState currentAuthorization() const override;
+  AuthorizationState doAuthorizationState() const override;
 
  private:
   std::shared_ptr<Authorization> authorization_;
@@ -47,7 +47,7 @@ class SimGeocoder : public Geocoder {
   std::optional<PlatformError> error;
 
  protected:
-  void reverseGeocodeLocation(Coordinate position, Completion completion) override;
+  void doReverseGeocode(Coordinate position, Completion completion) override;
 
  private:
   std::shared_ptr<Dispatch> dispatch_;

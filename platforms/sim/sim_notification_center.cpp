@@ -2,9 +2,9 @@
 
 namespace vantu::sim {
 
-void SimNotificationCenter::deliver(const Notification& notification) {
+void SimNotificationCenter::doPost(const Notification& notification) {
   posted_.push_back(Posted{notification.name, notification.object});
-  BasicNotificationCenter::deliver(notification);
+  BasicNotificationCenter::doPost(notification);
 }
 
 }  // namespace vantu::sim

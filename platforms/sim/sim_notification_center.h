@@ -22,7 +22,7 @@ class SimNotificationCenter : public BasicNotificationCenter {
   std::vector<Posted> takePosted() { return std::exchange(posted_, {}); }
 
  protected:
-  void deliver(const Notification& notification) override;
+  void doPost(const Notification& notification) override;
 
  private:
   std::vector<Posted> posted_;

@@ -6,7 +6,7 @@
 
 namespace vantu::sim {
 
-void SimPhotoLibrary::performCreateAsset(Bytes encodedImage, Completion completion) {
+void SimPhotoLibrary::doCreateAsset(Bytes encodedImage, Completion completion) {
   auto image = decodeImage(encodedImage.data);
   bool saved = false;
   if (image && !failSaves) {

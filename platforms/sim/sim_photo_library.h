@@ -24,7 +24,7 @@ class SimPhotoLibrary : public PhotoLibrary {
 
  protected:
   /// Answers on the main queue, as a later turn of the run loop.
-  void performCreateAsset(Bytes encodedImage, Completion completion) override;
+  void doCreateAsset(Bytes encodedImage, Completion completion) override;
 
  private:
   std::shared_ptr<Dispatch> dispatch_;

@@ -26,13 +26,13 @@ class SimReachabilityHandle : public ReachabilityHandle, public std::enable_shar
   }
 
  protected:
-  std::optional<ReachabilityFlags> fetchFlags() override {
+  std::optional<ReachabilityFlags> doCurrentFlags() override {
     auto service = service_.lock();
     if (!service || service->flagsUnknown) return std::nullopt;
     return service->flags();
   }
 
-  bool installCallback(Callback callback) override {
+  bool doSetCallback(Callback callback) override {
     auto service = service_.lock();
     ++registration_;
     if (!callback) {
@@ -45,7 +45,7 @@ class SimReachabilityHandle : public ReachabilityHandle, public std::enable_shar
     return true;
   }
 
-  bool installQueue(std::shared_ptr<SerialQueue> queue) override {
+  bool doSetDispatchQueue(std::shared_ptr<SerialQueue> queue) override {
     if (!queue) {
       queue_ = nullptr;
       return true;
@@ -96,13 +96,13 @@ std::shared_ptr<ReachabilityHandle> SimReachability::makeHandle(std::string targ
   return handle;
 }
 
-std::shared_ptr<ReachabilityHandle> SimReachability::createForAddress(const SocketAddress& address) {
+std::shared_ptr<ReachabilityHandle> SimReachability::doHandleForAddress(const SocketAddress& address) {
   auto a = address.address;
   return makeHandle(std::to_string(a >> 24) + "." + std::to_string((a >> 16) & 0xff) + "." +
                     std::to_string((a >> 8) & 0xff) + "." + std::to_string(a & 0xff));
 }
 
-std::shared_ptr<ReachabilityHandle> SimReachability::createForHostname(const std::string& hostname) {
+std::shared_ptr<ReachabilityHandle> SimReachability::doHandleForHostname(const std::string& hostname) {
   return makeHandle(hostname);
 }
 

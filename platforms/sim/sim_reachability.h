@@ -42,8 +42,8 @@ class SimReachability : public Reachability, public std::enable_shared_from_this
   const std::vector<std::string>& targets() const { return targets_; }
 
  protected:
-  std::shared_ptr<ReachabilityHandle> createForAddress(const SocketAddress& address) override;
-  std::shared_ptr<ReachabilityHandle> createForHostname(const std::string& hostname) override;
+  std::shared_ptr<ReachabilityHandle> doHandleForAddress(const SocketAddress& address) override;
+  std::shared_ptr<ReachabilityHandle> doHandleForHostname(const std::string& hostname) override;
 
  private:
   friend class SimReachabilityHandle;

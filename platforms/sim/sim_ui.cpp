@@ -204,7 +204,7 @@ SimTabBarController::SimTabBarController(std::shared_ptr<EffectLog> log) : Recor
   replaceTabBar(std::make_shared<SimView>(this->log(), Rect{0, 0, 0, 49}));
 }
 
-void SimApplication::openSettings() { log_->record(Dict{{"effect", "openSettings"}}); }
+void SimApplication::doOpenSettingsPage() { log_->record(Dict{{"effect", "openSettings"}}); }
 
 void SimApplication::didChangeNetworkActivityIndicator() {
   log_->record(Dict{{"effect", "networkActivityIndicator"}, {"visible", isNetworkActivityIndicatorVisible()}});

@@ -134,10 +134,10 @@ class SimApplication : public Application {
                                                  ImagePickerSource::savedPhotosAlbum};
 
  protected:
-  void openSettings() override;
+  void doOpenSettingsPage() override;
   /// Records {"effect": "networkActivityIndicator", "visible": bool}.
   void didChangeNetworkActivityIndicator() override;
-  bool imagePickerSourceAvailable(ImagePickerSource source) const override {
+  bool doIsImagePickerSourceAvailable(ImagePickerSource source) const override {
     return imagePickerSources.count(source) != 0;
   }
 

@@ -620,7 +620,7 @@ class SqliteSuite : public PreferenceSuite {
   SqliteSuite(std::string name, std::shared_ptr<Database> db) : PreferenceSuite(std::move(name)), db_(std::move(db)) {}
 
  protected:
-  PreferenceResult<std::vector<std::optional<PreferenceValue>>> read(const std::vector<std::string>& keys) override {
+  PreferenceResult<std::vector<std::optional<PreferenceValue>>> doGet(const std::vector<std::string>& keys) override {
     using Values = std::vector<std::optional<PreferenceValue>>;
     return db_->transaction<Values>(false, [&] {
       Values values(keys.size());
@@ -643,7 +643,7 @@ class SqliteSuite : public PreferenceSuite {
     });
   }
 
-  PreferenceStatus write(PreferenceValue::Map entries) override {
+  PreferenceStatus doSet(PreferenceValue::Map entries) override {
     return db_->transaction<std::monostate>(true, [&] {
       auto id = db_->ensureSuite(name());
       std::string scratch;
@@ -659,7 +659,7 @@ class SqliteSuite : public PreferenceSuite {
     });
   }
 
-  PreferenceStatus erase(const std::vector<std::string>& keys) override {
+  PreferenceStatus doRemove(const std::vector<std::string>& keys) override {
     return db_->transaction<std::monostate>(true, [&] {
       auto id = db_->suiteId(name());
       if (!id) return std::monostate{};
@@ -674,7 +674,7 @@ class SqliteSuite : public PreferenceSuite {
     });
   }
 
-  PreferenceResult<PreferenceValue::Map> readAll() override {
+  PreferenceResult<PreferenceValue::Map> doDictionaryRepresentation() override {
     return db_->transaction<PreferenceValue::Map>(false, [&] {
       PreferenceValue::Map all;
       auto id = db_->suiteId(name());
@@ -691,7 +691,7 @@ class SqliteSuite : public PreferenceSuite {
     });
   }
 
-  PreferenceResult<std::vector<std::string>> readKeys() override {
+  PreferenceResult<std::vector<std::string>> doKeys() override {
     return db_->transaction<std::vector<std::string>>(false, [&] {
       std::vector<std::string> keys;
       auto id = db_->suiteId(name());
@@ -706,7 +706,7 @@ class SqliteSuite : public PreferenceSuite {
     });
   }
 
-  PreferenceStatus flush() override { return db_->synchronize(); }
+  PreferenceStatus doSynchronize() override { return db_->synchronize(); }
 
  private:
   std::shared_ptr<Database> db_;
@@ -741,18 +741,18 @@ bool SqlitePreferences::acceptsSuiteName(std::string_view name) {
   return !name.empty() && name.size() <= kMaxSuiteNameBytes && name.find('\0') == std::string_view::npos;
 }
 
-std::shared_ptr<PreferenceSuite> SqlitePreferences::openSuite(std::string_view name) {
+std::shared_ptr<PreferenceSuite> SqlitePreferences::doSuite(std::string_view name) {
   if (!acceptsSuiteName(name)) return nullptr;
   if (!db_->usable()) return nullptr;
   return std::make_shared<SqliteSuite>(std::string(name), db_);
 }
 
-std::shared_ptr<PreferenceSuite> SqlitePreferences::openStandard() {
+std::shared_ptr<PreferenceSuite> SqlitePreferences::doStandard() {
   if (!db_->usable()) return nullptr;
   return std::make_shared<SqliteSuite>(std::string(kStandardSuite), db_);
 }
 
-bool SqlitePreferences::removeDomain(std::string_view name) {
+bool SqlitePreferences::doRemovePersistentDomain(std::string_view name) {
   if (!acceptsSuiteName(name)) return false;
   auto result = db_->transaction<std::monostate>(true, [&] {
     auto id = db_->suiteId(name);

@@ -55,9 +55,9 @@ class SqlitePreferences : public Preferences {
   struct Database;
 
  protected:
-  std::shared_ptr<PreferenceSuite> openSuite(std::string_view name) override;
-  std::shared_ptr<PreferenceSuite> openStandard() override;
-  bool removeDomain(std::string_view name) override;
+  std::shared_ptr<PreferenceSuite> doSuite(std::string_view name) override;
+  std::shared_ptr<PreferenceSuite> doStandard() override;
+  bool doRemovePersistentDomain(std::string_view name) override;
 
  private:
   std::shared_ptr<Database> db_;

@@ -60,9 +60,9 @@ class HeldQueue : public SerialQueue {
   std::size_t pending() const { return tasks_.size(); }
 
  protected:
-  void enqueue(Task task) override { tasks_.push_back(std::move(task)); }
-  void enqueueAfter(Duration, Task task) override { tasks_.push_back(std::move(task)); }
-  void runAndWait(Task task) override { task(); }
+  void doAsync(Task task) override { tasks_.push_back(std::move(task)); }
+  void doAsyncAfter(Duration, Task task) override { tasks_.push_back(std::move(task)); }
+  void doSync(Task task) override { task(); }
 
  private:
   std::deque<Task> tasks_;

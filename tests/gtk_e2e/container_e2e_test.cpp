@@ -268,8 +268,8 @@ TEST_F(ContainerE2E, AnAlertButtonPressedInTheDialogAnswersThePage) {
 // Photo and camera access granted, as the picker bridges ask for it.
 class GrantedAuthorization : public Authorization {
  protected:
-  AuthorizationState currentState(ProtectedResource) const override { return AuthorizationState::authorized; }
-  void requestAccess(ProtectedResource, Completion completion) override { completion(AuthorizationState::authorized); }
+  AuthorizationState doState(ProtectedResource) const override { return AuthorizationState::authorized; }
+  void doRequest(ProtectedResource, Completion completion) override { completion(AuthorizationState::authorized); }
 };
 
 class PickerE2E : public ContainerE2E {

@@ -22,7 +22,7 @@ using Resource = ProtectedResource;
 
 struct LinesConsole : Console {
   std::vector<std::string> lines;
-  void write(std::string_view line) override { lines.emplace_back(line); }
+  void doPrintLine(std::string_view line) override { lines.emplace_back(line); }
 };
 
 /// Holds every question until the test answers it.

@@ -48,17 +48,17 @@ class Application {
   }
 
   /// Opens the system settings page of the host app.
-  void openSettingsPage() { openSettings(); }
+  void openSettingsPage() { doOpenSettingsPage(); }
 
   /// Whether the system image picker can take pictures from `source` on
   /// this device (a device without a camera has no camera source).
-  bool isImagePickerSourceAvailable(ImagePickerSource source) const { return imagePickerSourceAvailable(source); }
+  bool isImagePickerSourceAvailable(ImagePickerSource source) const { return doIsImagePickerSourceAvailable(source); }
 
  protected:
-  virtual void openSettings() {}
+  virtual void doOpenSettingsPage() {}
   /// Called after the network activity indicator was shown or hidden.
   virtual void didChangeNetworkActivityIndicator() {}
-  virtual bool imagePickerSourceAvailable(ImagePickerSource) const { return false; }
+  virtual bool doIsImagePickerSourceAvailable(ImagePickerSource) const { return false; }
 
  private:
   std::shared_ptr<Window> keyWindow_;

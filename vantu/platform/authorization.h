@@ -35,7 +35,7 @@ class Authorization {
 
   virtual ~Authorization() = default;
 
-  AuthorizationState state(ProtectedResource resource) const { return currentState(resource); }
+  AuthorizationState state(ProtectedResource resource) const { return doState(resource); }
 
   /// Asks the user (when the state is `notDetermined`; otherwise the
   /// platform answers the current state without a prompt) and calls
@@ -43,12 +43,12 @@ class Authorization {
   /// thread of the answer, as a system prompt does: callers that need the
   /// main thread move there themselves.
   void request(ProtectedResource resource, Completion completion) {
-    requestAccess(resource, std::move(completion));
+    doRequest(resource, std::move(completion));
   }
 
  protected:
-  virtual AuthorizationState currentState(ProtectedResource resource) const = 0;
-  virtual void requestAccess(ProtectedResource resource, Completion completion) = 0;
+  virtual AuthorizationState doState(ProtectedResource resource) const = 0;
+  virtual void doRequest(ProtectedResource resource, Completion completion) = 0;
 };
 
 }  // namespace vantu

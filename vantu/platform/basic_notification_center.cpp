@@ -7,7 +7,7 @@ std::size_t BasicNotificationCenter::observerCount() const {
   return observers_.size();
 }
 
-void BasicNotificationCenter::insertObserver(std::uint64_t id, std::string name, Observer observer) {
+void BasicNotificationCenter::doAddObserver(std::uint64_t id, std::string name, Observer observer) {
   auto entry = std::make_shared<Entry>();
   entry->id = id;
   entry->name = std::move(name);
@@ -16,7 +16,7 @@ void BasicNotificationCenter::insertObserver(std::uint64_t id, std::string name,
   observers_.push_back(std::move(entry));
 }
 
-void BasicNotificationCenter::removeObserver(std::uint64_t id) {
+void BasicNotificationCenter::doRemoveObserver(std::uint64_t id) {
   std::shared_ptr<Entry> removed;  // its observer is destroyed outside the lock
   std::lock_guard lock(mutex_);
   std::erase_if(observers_, [&](const auto& entry) {
@@ -27,7 +27,7 @@ void BasicNotificationCenter::removeObserver(std::uint64_t id) {
   });
 }
 
-void BasicNotificationCenter::deliver(const Notification& notification) {
+void BasicNotificationCenter::doPost(const Notification& notification) {
   std::vector<std::shared_ptr<Entry>> matching;
   {
     std::lock_guard lock(mutex_);

@@ -23,9 +23,9 @@ class BasicNotificationCenter : public NotificationCenter {
   std::size_t observerCount() const;
 
  protected:
-  void insertObserver(std::uint64_t id, std::string name, Observer observer) override;
-  void removeObserver(std::uint64_t id) override;
-  void deliver(const Notification& notification) override;
+  void doAddObserver(std::uint64_t id, std::string name, Observer observer) override;
+  void doRemoveObserver(std::uint64_t id) override;
+  void doPost(const Notification& notification) override;
 
  private:
   struct Entry {

@@ -8,10 +8,10 @@ namespace vantu {
 class Console {
  public:
   virtual ~Console() = default;
-  void printLine(std::string_view line) { write(line); }
+  void printLine(std::string_view line) { doPrintLine(line); }
 
  protected:
-  virtual void write(std::string_view line) = 0;
+  virtual void doPrintLine(std::string_view line) = 0;
 };
 
 }  // namespace vantu

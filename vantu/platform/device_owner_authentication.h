@@ -39,11 +39,11 @@ class AuthenticationContext {
   /// (not the main thread). When the device cannot evaluate the policy (no
   /// passcode set, say) the reply is a failure at once, without a sheet.
   void evaluateDeviceOwnerAuthentication(std::string reason, Reply reply) {
-    evaluate(std::move(reason), std::move(reply));
+    doEvaluateDeviceOwnerAuthentication(std::move(reason), std::move(reply));
   }
 
  protected:
-  virtual void evaluate(std::string reason, Reply reply) = 0;
+  virtual void doEvaluateDeviceOwnerAuthentication(std::string reason, Reply reply) = 0;
 
  private:
   std::string cancelTitle_;
@@ -53,10 +53,10 @@ class AuthenticationContext {
 class DeviceOwnerAuthentication {
  public:
   virtual ~DeviceOwnerAuthentication() = default;
-  std::shared_ptr<AuthenticationContext> makeContext() { return createContext(); }
+  std::shared_ptr<AuthenticationContext> makeContext() { return doMakeContext(); }
 
  protected:
-  virtual std::shared_ptr<AuthenticationContext> createContext() = 0;
+  virtual std::shared_ptr<AuthenticationContext> doMakeContext() = 0;
 };
 
 }  // namespace vantu

@@ -31,17 +31,17 @@ class SerialQueue {
   const std::string& label() const { return label_; }
 
   /// Runs `task` after every task queued before it.
-  void async(Task task) { enqueue(std::move(task)); }
+  void async(Task task) { doAsync(std::move(task)); }
   /// Runs `task` on the queue after `delay`.
-  void asyncAfter(Duration delay, Task task) { enqueueAfter(delay < Duration::zero() ? Duration::zero() : delay, std::move(task)); }
+  void asyncAfter(Duration delay, Task task) { doAsyncAfter(delay < Duration::zero() ? Duration::zero() : delay, std::move(task)); }
   /// Runs `task` on the queue and waits for it. Must not be called from a
   /// task of the same queue.
-  void sync(Task task) { runAndWait(std::move(task)); }
+  void sync(Task task) { doSync(std::move(task)); }
 
  protected:
-  virtual void enqueue(Task task) = 0;
-  virtual void enqueueAfter(Duration delay, Task task) = 0;
-  virtual void runAndWait(Task task) = 0;
+  virtual void doAsync(Task task) = 0;
+  virtual void doAsyncAfter(Duration delay, Task task) = 0;
+  virtual void doSync(Task task) = 0;
 
  private:
   std::string label_;
@@ -58,18 +58,18 @@ class Dispatch {
  public:
   virtual ~Dispatch() = default;
 
-  std::shared_ptr<SerialQueue> main() { return mainQueue(); }
-  std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) { return createSerialQueue(std::move(label)); }
+  std::shared_ptr<SerialQueue> main() { return doMain(); }
+  std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) { return doMakeSerialQueue(std::move(label)); }
   /// Time since the platform started (virtual on the simulated device).
-  Duration now() const { return currentTime(); }
+  Duration now() const { return doNow(); }
   /// Held by whoever waits for real I/O; released when the I/O has ended.
-  std::shared_ptr<OutstandingWork> beginOutstandingWork() { return createOutstandingWork(); }
+  std::shared_ptr<OutstandingWork> beginOutstandingWork() { return doBeginOutstandingWork(); }
 
  protected:
-  virtual std::shared_ptr<SerialQueue> mainQueue() = 0;
-  virtual std::shared_ptr<SerialQueue> createSerialQueue(std::string label) = 0;
-  virtual Duration currentTime() const = 0;
-  virtual std::shared_ptr<OutstandingWork> createOutstandingWork() = 0;
+  virtual std::shared_ptr<SerialQueue> doMain() = 0;
+  virtual std::shared_ptr<SerialQueue> doMakeSerialQueue(std::string label) = 0;
+  virtual Duration doNow() const = 0;
+  virtual std::shared_ptr<OutstandingWork> doBeginOutstandingWork() = 0;
 };
 
 /// A dispatch group: `notify` work runs on its queue once every `enter` has

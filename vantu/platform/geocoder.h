@@ -34,11 +34,11 @@ class Geocoder {
 
   /// Calls `completion` once, on the main thread.
   void reverseGeocode(Coordinate position, Completion completion) {
-    reverseGeocodeLocation(position, std::move(completion));
+    doReverseGeocode(position, std::move(completion));
   }
 
  protected:
-  virtual void reverseGeocodeLocation(Coordinate position, Completion completion) = 0;
+  virtual void doReverseGeocode(Coordinate position, Completion completion) = 0;
 };
 
 }  // namespace vantu

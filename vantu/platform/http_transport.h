@@ -65,11 +65,11 @@ class HttpTransport {
   /// documents. A timeout of 0 seconds or less fails at once with
   /// `timedOut`: it never means "no limit".
   void start(HttpTransfer transfer, Completion completion, MetricsHandler metrics = {}) {
-    startTransfer(std::move(transfer), std::move(completion), std::move(metrics));
+    doStart(std::move(transfer), std::move(completion), std::move(metrics));
   }
 
  protected:
-  virtual void startTransfer(HttpTransfer transfer, Completion completion, MetricsHandler metrics) = 0;
+  virtual void doStart(HttpTransfer transfer, Completion completion, MetricsHandler metrics) = 0;
 };
 
 }  // namespace vantu

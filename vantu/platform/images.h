@@ -26,10 +26,10 @@ class ImageStore {
   virtual ~ImageStore() = default;
 
   /// The image called `name`, or nullptr when the application has none.
-  std::shared_ptr<const Image> imageNamed(std::string_view name) const { return findImage(name); }
+  std::shared_ptr<const Image> imageNamed(std::string_view name) const { return doImageNamed(name); }
 
  protected:
-  virtual std::shared_ptr<const Image> findImage(std::string_view name) const = 0;
+  virtual std::shared_ptr<const Image> doImageNamed(std::string_view name) const = 0;
 };
 
 }  // namespace vantu

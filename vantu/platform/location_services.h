@@ -38,10 +38,10 @@ class LocationManager {
   /// Shows the system prompt for when-in-use access if the app's state is
   /// `notDetermined` and no prompt is up; otherwise does nothing. The
   /// user's answer arrives later through the delegate.
-  void requestWhenInUseAuthorization() { requestWhenInUse(); }
+  void requestWhenInUseAuthorization() { doRequestWhenInUseAuthorization(); }
 
   /// The last fix the system has, if any; no update is started.
-  std::optional<Coordinate> location() const { return lastLocation(); }
+  std::optional<Coordinate> location() const { return doLocation(); }
 
   /// Called by the platform on the main thread when the authorisation changes.
   void authorizationDidChange(AuthorizationState state) {
@@ -49,8 +49,8 @@ class LocationManager {
   }
 
  protected:
-  virtual void requestWhenInUse() = 0;
-  virtual std::optional<Coordinate> lastLocation() const = 0;
+  virtual void doRequestWhenInUseAuthorization() = 0;
+  virtual std::optional<Coordinate> doLocation() const = 0;
 
  private:
   std::weak_ptr<LocationManagerDelegate> delegate_;
@@ -63,14 +63,14 @@ class LocationServices {
   /// The app's location authorisation (one state for every manager). When
   /// location services are switched off for the whole device it reads
   /// `denied`.
-  AuthorizationState authorizationState() const { return currentAuthorization(); }
+  AuthorizationState authorizationState() const { return doAuthorizationState(); }
 
   /// A new manager; each one is told of authorisation changes.
-  std::shared_ptr<LocationManager> makeManager() { return createManager(); }
+  std::shared_ptr<LocationManager> makeManager() { return doMakeManager(); }
 
  protected:
-  virtual AuthorizationState currentAuthorization() const = 0;
-  virtual std::shared_ptr<LocationManager> createManager() = 0;
+  virtual AuthorizationState doAuthorizationState() const = 0;
+  virtual std::shared_ptr<LocationManager> doMakeManager() = 0;
 };
 
 }  // namespace vantu

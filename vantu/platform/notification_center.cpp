@@ -19,13 +19,13 @@ ObserverToken& ObserverToken::operator=(ObserverToken&& other) noexcept {
 void ObserverToken::reset() {
   auto id = std::exchange(id_, 0);
   if (id == 0) return;
-  if (auto center = center_.lock()) center->removeObserver(id);
+  if (auto center = center_.lock()) center->doRemoveObserver(id);
   center_.reset();
 }
 
 ObserverToken NotificationCenter::addObserver(std::string name, Observer observer) {
   auto id = nextId_++;
-  insertObserver(id, std::move(name), std::move(observer));
+  doAddObserver(id, std::move(name), std::move(observer));
   return ObserverToken(weak_from_this(), id);
 }
 

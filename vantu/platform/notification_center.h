@@ -54,7 +54,7 @@ class NotificationCenter : public std::enable_shared_from_this<NotificationCente
 
   /// Delivers the notification to every current observer of `name`.
   void post(std::string_view name, std::shared_ptr<Object> object = nullptr) {
-    deliver(Notification{std::string(name), std::move(object)});
+    doPost(Notification{std::string(name), std::move(object)});
   }
 
   /// Observes `name` until the returned token is destroyed.
@@ -64,11 +64,11 @@ class NotificationCenter : public std::enable_shared_from_this<NotificationCente
   friend class ObserverToken;
 
   /// Registers an observer under `id` (never 0, never reused).
-  virtual void insertObserver(std::uint64_t id, std::string name, Observer observer) = 0;
+  virtual void doAddObserver(std::uint64_t id, std::string name, Observer observer) = 0;
   /// Unregisters it; an observer removed while a notification is being
   /// delivered is not called after its removal.
-  virtual void removeObserver(std::uint64_t id) = 0;
-  virtual void deliver(const Notification& notification) = 0;
+  virtual void doRemoveObserver(std::uint64_t id) = 0;
+  virtual void doPost(const Notification& notification) = 0;
 
  private:
   std::atomic<std::uint64_t> nextId_{1};

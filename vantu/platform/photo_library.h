@@ -19,11 +19,11 @@ class PhotoLibrary {
   /// Creates one asset from the encoded picture (PNG, JPEG, GIF or BMP) and
   /// calls `completion` once, on a thread of the platform's choosing.
   void createAsset(Bytes encodedImage, Completion completion) {
-    performCreateAsset(std::move(encodedImage), std::move(completion));
+    doCreateAsset(std::move(encodedImage), std::move(completion));
   }
 
  protected:
-  virtual void performCreateAsset(Bytes encodedImage, Completion completion) = 0;
+  virtual void doCreateAsset(Bytes encodedImage, Completion completion) = 0;
 };
 
 }  // namespace vantu

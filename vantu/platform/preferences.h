@@ -109,41 +109,41 @@ class PreferenceSuite {
 
   /// The value under `key`; nullopt when none is stored.
   PreferenceResult<std::optional<PreferenceValue>> get(std::string_view key) {
-    auto many = read({std::string(key)});
+    auto many = doGet({std::string(key)});
     if (!many.ok()) return many.error();
     return std::move(many.value().front());
   }
   /// The values under `keys`, read together, one slot per key in order.
   PreferenceResult<std::vector<std::optional<PreferenceValue>>> get(const std::vector<std::string>& keys) {
-    return read(keys);
+    return doGet(keys);
   }
   /// Stores one value, replacing any earlier one.
   PreferenceStatus set(std::string key, PreferenceValue value) {
     PreferenceValue::Map one;
     one.emplace_back(std::move(key), std::move(value));
-    return write(std::move(one));
+    return doSet(std::move(one));
   }
   /// Stores every entry, all or none; a key given twice keeps its last value.
-  PreferenceStatus set(PreferenceValue::Map entries) { return write(std::move(entries)); }
+  PreferenceStatus set(PreferenceValue::Map entries) { return doSet(std::move(entries)); }
   /// Removes the keys, all or none; keys that are not stored are no error.
-  PreferenceStatus remove(const std::vector<std::string>& keys) { return erase(keys); }
-  PreferenceStatus remove(std::string_view key) { return erase({std::string(key)}); }
+  PreferenceStatus remove(const std::vector<std::string>& keys) { return doRemove(keys); }
+  PreferenceStatus remove(std::string_view key) { return doRemove({std::string(key)}); }
   /// Every entry, keys in ascending byte order.
-  PreferenceResult<PreferenceValue::Map> dictionaryRepresentation() { return readAll(); }
+  PreferenceResult<PreferenceValue::Map> dictionaryRepresentation() { return doDictionaryRepresentation(); }
   /// Every key, in the same order, without reading the values.
-  PreferenceResult<std::vector<std::string>> keys() { return readKeys(); }
+  PreferenceResult<std::vector<std::string>> keys() { return doKeys(); }
   /// Makes everything written so far durable (it survives a power loss once
   /// this returns). Writes that were not synchronized survive a crash of the
   /// process but not necessarily of the machine.
-  PreferenceStatus synchronize() { return flush(); }
+  PreferenceStatus synchronize() { return doSynchronize(); }
 
  protected:
-  virtual PreferenceResult<std::vector<std::optional<PreferenceValue>>> read(const std::vector<std::string>& keys) = 0;
-  virtual PreferenceStatus write(PreferenceValue::Map entries) = 0;
-  virtual PreferenceStatus erase(const std::vector<std::string>& keys) = 0;
-  virtual PreferenceResult<PreferenceValue::Map> readAll() = 0;
-  virtual PreferenceResult<std::vector<std::string>> readKeys() = 0;
-  virtual PreferenceStatus flush() = 0;
+  virtual PreferenceResult<std::vector<std::optional<PreferenceValue>>> doGet(const std::vector<std::string>& keys) = 0;
+  virtual PreferenceStatus doSet(PreferenceValue::Map entries) = 0;
+  virtual PreferenceStatus doRemove(const std::vector<std::string>& keys) = 0;
+  virtual PreferenceResult<PreferenceValue::Map> doDictionaryRepresentation() = 0;
+  virtual PreferenceResult<std::vector<std::string>> doKeys() = 0;
+  virtual PreferenceStatus doSynchronize() = 0;
 
  private:
   std::string name_;
@@ -155,18 +155,18 @@ class Preferences {
 
   /// The suite called `name`, or nullptr when the store refuses the name
   /// (empty, too long, containing NUL) or cannot be opened at all.
-  std::shared_ptr<PreferenceSuite> suite(std::string_view name) { return openSuite(name); }
+  std::shared_ptr<PreferenceSuite> suite(std::string_view name) { return doSuite(name); }
   /// The application-wide suite; nullptr when the store cannot be opened.
-  std::shared_ptr<PreferenceSuite> standard() { return openStandard(); }
+  std::shared_ptr<PreferenceSuite> standard() { return doStandard(); }
   /// Deletes the suite called `name` with everything in it. Removing a suite
   /// that does not exist succeeds; false when the name is refused or the
   /// store failed.
-  bool removePersistentDomain(std::string_view name) { return removeDomain(name); }
+  bool removePersistentDomain(std::string_view name) { return doRemovePersistentDomain(name); }
 
  protected:
-  virtual std::shared_ptr<PreferenceSuite> openSuite(std::string_view name) = 0;
-  virtual std::shared_ptr<PreferenceSuite> openStandard() = 0;
-  virtual bool removeDomain(std::string_view name) = 0;
+  virtual std::shared_ptr<PreferenceSuite> doSuite(std::string_view name) = 0;
+  virtual std::shared_ptr<PreferenceSuite> doStandard() = 0;
+  virtual bool doRemovePersistentDomain(std::string_view name) = 0;
 };
 
 }  // namespace vantu

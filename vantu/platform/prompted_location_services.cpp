@@ -9,10 +9,10 @@ class PromptedLocationManager : public LocationManager {
       : services_(std::move(services)) {}
 
  protected:
-  void requestWhenInUse() override {
-    if (auto services = services_.lock()) services->requestWhenInUse();
+  void doRequestWhenInUseAuthorization() override {
+    if (auto services = services_.lock()) services->doRequestWhenInUseAuthorization();
   }
-  std::optional<Coordinate> lastLocation() const override {
+  std::optional<Coordinate> doLocation() const override {
     auto services = services_.lock();
     return services ? services->currentFix() : std::nullopt;
   }
@@ -23,14 +23,14 @@ class PromptedLocationManager : public LocationManager {
 
 }  // namespace
 
-std::shared_ptr<LocationManager> PromptedLocationServices::createManager() {
+std::shared_ptr<LocationManager> PromptedLocationServices::doMakeManager() {
   auto manager = std::make_shared<PromptedLocationManager>(weak_from_this());
   std::erase_if(managers_, [](const auto& m) { return m.expired(); });
   managers_.push_back(manager);
   return manager;
 }
 
-void PromptedLocationServices::requestWhenInUse() {
+void PromptedLocationServices::doRequestWhenInUseAuthorization() {
   if (questionUp_ || authorizationState() != AuthorizationState::notDetermined) return;
   questionUp_ = true;
   dispatch_->main()->async([weak = weak_from_this()] {

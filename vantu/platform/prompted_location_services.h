@@ -22,12 +22,12 @@ class PromptedLocationServices : public LocationServices,
       : dispatch_(std::move(dispatch)), authorization_(std::move(authorization)) {}
 
   /// What a manager's `requestWhenInUseAuthorization` does.
-  void requestWhenInUse();
+  void doRequestWhenInUseAuthorization();
   /// What a manager's `location` reads.
   virtual std::optional<Coordinate> currentFix() const = 0;
 
  protected:
-  std::shared_ptr<LocationManager> createManager() override;
+  std::shared_ptr<LocationManager> doMakeManager() override;
   /// Tells every live manager, in the order they were made.
   void tellManagers(AuthorizationState state);
   /// Called on the main queue with the answer to the question; tells every

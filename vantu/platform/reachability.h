@@ -51,18 +51,18 @@ class ReachabilityHandle {
   virtual ~ReachabilityHandle() = default;
 
   /// The flags now; nothing when the platform cannot tell.
-  std::optional<ReachabilityFlags> currentFlags() { return fetchFlags(); }
+  std::optional<ReachabilityFlags> currentFlags() { return doCurrentFlags(); }
   /// Registers the change callback (an empty one unregisters). False when
   /// the platform refuses.
-  bool setCallback(Callback callback) { return installCallback(std::move(callback)); }
+  bool setCallback(Callback callback) { return doSetCallback(std::move(callback)); }
   /// Sets the queue the callback runs on (nullptr detaches). False when the
   /// platform refuses.
-  bool setDispatchQueue(std::shared_ptr<SerialQueue> queue) { return installQueue(std::move(queue)); }
+  bool setDispatchQueue(std::shared_ptr<SerialQueue> queue) { return doSetDispatchQueue(std::move(queue)); }
 
  protected:
-  virtual std::optional<ReachabilityFlags> fetchFlags() = 0;
-  virtual bool installCallback(Callback callback) = 0;
-  virtual bool installQueue(std::shared_ptr<SerialQueue> queue) = 0;
+  virtual std::optional<ReachabilityFlags> doCurrentFlags() = 0;
+  virtual bool doSetCallback(Callback callback) = 0;
+  virtual bool doSetDispatchQueue(std::shared_ptr<SerialQueue> queue) = 0;
 };
 
 class Reachability {
@@ -71,16 +71,16 @@ class Reachability {
 
   /// A handle for `address`, or nullptr when the platform cannot make one.
   std::shared_ptr<ReachabilityHandle> handleForAddress(const SocketAddress& address) {
-    return createForAddress(address);
+    return doHandleForAddress(address);
   }
   /// A handle for a host name, or nullptr when the platform cannot make one.
   std::shared_ptr<ReachabilityHandle> handleForHostname(const std::string& hostname) {
-    return createForHostname(hostname);
+    return doHandleForHostname(hostname);
   }
 
  protected:
-  virtual std::shared_ptr<ReachabilityHandle> createForAddress(const SocketAddress& address) = 0;
-  virtual std::shared_ptr<ReachabilityHandle> createForHostname(const std::string& hostname) = 0;
+  virtual std::shared_ptr<ReachabilityHandle> doHandleForAddress(const SocketAddress& address) = 0;
+  virtual std::shared_ptr<ReachabilityHandle> doHandleForHostname(const std::string& hostname) = 0;
 };
 
 }  // namespace vantu
