@@ -13,7 +13,7 @@
 #include <cstring>
 #include <map>
 
-#include "vantu/platform/write_all.h"
+#include "platforms/common/write_all.h"
 
 namespace vantu::curl {
 namespace {

@@ -11,7 +11,7 @@
 #include <optional>
 
 #include "platforms/linux/permission_store.h"
-#include "vantu/platform/prompted_location_services.h"
+#include "platforms/common/prompted_location_services.h"
 
 namespace vantu::linux_platform {
 

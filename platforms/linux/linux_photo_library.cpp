@@ -8,7 +8,7 @@
 
 #include "vantu/core/image_decoder.h"
 #include "vantu/net/download_folder.h"
-#include "vantu/platform/write_all.h"
+#include "platforms/common/write_all.h"
 
 namespace vantu::linux_platform {
 namespace {

@@ -25,7 +25,7 @@
 #include "platforms/linux/consent_prompt.h"
 #include "platforms/linux/linux_device_facts.h"
 #include "platforms/linux/linux_dispatch.h"
-#include "vantu/platform/basic_notification_center.h"
+#include "platforms/common/basic_notification_center.h"
 #include "platforms/linux/linux_reachability.h"
 #include "platforms/linux/permission_store.h"
 #include "platforms/linux/pam_owner_authentication.h"

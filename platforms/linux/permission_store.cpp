@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "vantu/platform/write_all.h"
+#include "platforms/common/write_all.h"
 #include "vantu/value/json.h"
 
 namespace vantu::linux_platform {

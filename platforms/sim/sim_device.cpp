@@ -70,6 +70,8 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   photoLibrary_ = std::make_shared<SimPhotoLibrary>(dispatch_, effects_, dataDirectory_ / "PhotoLibrary");
   platform_->httpTransport = transport_;
   platform_->photoLibrary = photoLibrary_;
+  fileSystem_ = std::make_shared<SimFileSystem>();
+  platform_->fileSystem = fileSystem_;
   platform_->documentsDirectory = dataDirectory_ / "Documents";
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 

@@ -15,6 +15,7 @@
 #include "platforms/curl/curl_transport.h"
 #include "platforms/sim/sim_authorization.h"
 #include "platforms/sim/sim_dispatch.h"
+#include "platforms/sim/sim_file_system.h"
 #include "platforms/sim/sim_notification_center.h"
 #include "platforms/sim/sim_photo_library.h"
 #include "platforms/sim/sim_pickers.h"
@@ -101,6 +102,7 @@ class SimDevice {
   /// loop until it has reported, so `settle` waits for it.
   curl::CurlTransport& transport() { return *transport_; }
   SimPhotoLibrary& photoLibrary() { return *photoLibrary_; }
+  SimFileSystem& fileSystem() { return *fileSystem_; }
   /// Where the preferences store (platforms/store) keeps its database, the
   /// documents directory ("Documents") and the photo library ("PhotoLibrary").
   const std::filesystem::path& dataDirectory() const { return dataDirectory_; }
@@ -143,6 +145,7 @@ class SimDevice {
   std::shared_ptr<SimDeviceOwnerAuthentication> deviceOwnerAuthentication_;
   std::shared_ptr<curl::CurlTransport> transport_;
   std::shared_ptr<SimPhotoLibrary> photoLibrary_;
+  std::shared_ptr<SimFileSystem> fileSystem_;
   std::shared_ptr<SimPickers> pickers_;
   std::shared_ptr<Platform> platform_;
   std::filesystem::path dataDirectory_;

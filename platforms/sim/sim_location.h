@@ -13,7 +13,7 @@
 #include "platforms/sim/sim_ui.h"
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/geocoder.h"
-#include "vantu/platform/prompted_location_services.h"
+#include "platforms/common/prompted_location_services.h"
 
 namespace vantu::sim {
 

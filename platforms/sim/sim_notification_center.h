@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "vantu/platform/basic_notification_center.h"
+#include "platforms/common/basic_notification_center.h"
 
 namespace vantu::sim {
 

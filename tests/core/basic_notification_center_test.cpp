@@ -1,7 +1,7 @@
 // The thread-safe notification centre, its observer tokens, and the simulated
 // device's record of posts.
 
-#include "vantu/platform/basic_notification_center.h"
+#include "platforms/common/basic_notification_center.h"
 
 #include <gtest/gtest.h>
 

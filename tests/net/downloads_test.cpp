@@ -5,6 +5,9 @@
 #include <fstream>
 #include <set>
 
+#include <cerrno>
+
+#include "platforms/common/posix_file_system.h"
 #include "vantu/net/download_folder.h"
 
 #include "tests/net/net_fixture.h"
@@ -76,6 +79,47 @@ TEST_F(Downloads, FailedDownloadsAnswerTheirErrorInsideTheResultAndLeaveNoFile) 
     EXPECT_TRUE(out.effects.empty());
     EXPECT_EQ(listing(downloads()), Strings{});
   }
+}
+
+TEST_F(Downloads, AMoveTheFileSystemRefusesIsAnsweredWithItsReasonAndLeavesNoFile) {
+  const std::string url = server.url("/status/200");
+  const std::string folder = downloads().filename().string();
+  device.fileSystem().failNextMove({FileSystemError::Kind::other, 13, "Permission denied"});
+  device.fileSystem().failNextMove({FileSystemError::Kind::alreadyExists, 17, "File exists"});
+  for (const std::string& message :
+       {"\u201cf.txt\u201d couldn\u2019t be moved to \u201c" + folder + "\u201d: Permission denied.",
+        "\u201cf.txt\u201d couldn\u2019t be moved to \u201c" + folder +
+            "\u201d because an item with the same name already exists."}) {
+    auto out = callAndWait("vantuDownloadFile", download("f.txt", url));
+    const Dict result{{"fileName", "f.txt"},
+                      {"fileDownloadUrl", url},
+                      {"error", Dict{{"code", 11}, {"message", message}}},
+                      {"success", false},
+                      {"filePath", ""}};
+    EXPECT_EQ(out.answers, Strings{json::write(payload::success(result))});
+    EXPECT_EQ(listing(downloads()), Strings{});
+  }
+}
+
+TEST(PosixFileSystem, MovesOnlyOntoAFreeName) {
+  const fs::path dir = fs::temp_directory_path() / ("vantu-move-" + randomFileName(8));
+  fs::create_directories(dir);
+  std::ofstream(dir / "a") << "first";
+  std::ofstream(dir / "b") << "second";
+  PosixFileSystem files;
+  auto refused = files.moveWithoutReplacing(dir / "a", dir / "b");
+  ASSERT_TRUE(refused);
+  EXPECT_EQ(refused->kind, FileSystemError::Kind::alreadyExists);
+  EXPECT_EQ(refused->code, EEXIST);
+  auto missing = files.moveWithoutReplacing(dir / "gone", dir / "c");
+  ASSERT_TRUE(missing);
+  EXPECT_EQ(missing->kind, FileSystemError::Kind::other);
+  EXPECT_EQ(missing->code, ENOENT);
+  EXPECT_FALSE(files.moveWithoutReplacing(dir / "a", dir / "c"));
+  EXPECT_EQ(listing(dir), (Strings{"b", "c"}));
+  std::ifstream moved(dir / "c");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(moved), {}), "first");
+  fs::remove_all(dir);
 }
 
 TEST_F(Downloads, NamesThatAreNotOneFileNameAreRefusedAndNothingOutsideIsTouched) {

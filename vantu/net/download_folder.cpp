@@ -1,11 +1,5 @@
 #include "vantu/net/download_folder.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <random>
 
 #include "vantu/platform/platform.h"
@@ -54,26 +48,24 @@ std::string randomFileName(std::size_t length) {
 }
 
 std::optional<PlatformError> moveWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
-  int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
-  if (result != 0 && errno == EINVAL) {
-    // A file system without the flag: a hard link is just as exclusive.
-    result = ::link(from.c_str(), to.c_str());
-    if (result == 0) ::unlink(from.c_str());
-  }
-  if (result == 0) return std::nullopt;
-  const int error = errno;
+  const auto& fileSystem = platform().fileSystem;
+  std::optional<FileSystemError> failure =
+      fileSystem ? fileSystem->moveWithoutReplacing(from, to)
+                 : FileSystemError{FileSystemError::Kind::other, 0, "the platform has no file system"};
+  if (!failure) return std::nullopt;
   const std::string name = to.filename().string();
   const std::string folder = to.parent_path().filename().string();
-  if (error == EEXIST) {
+  const Dict userInfo{{"errno", static_cast<std::int64_t>(failure->code)}};
+  if (failure->kind == FileSystemError::Kind::alreadyExists) {
     return PlatformError{std::string(kFileErrorDomain), kFileWriteFileExists,
                          "\u201c" + name + "\u201d couldn\u2019t be moved to \u201c" + folder +
                              "\u201d because an item with the same name already exists.",
-                         std::nullopt, Dict{{"errno", static_cast<std::int64_t>(error)}}};
+                         std::nullopt, userInfo};
   }
   return PlatformError{std::string(kFileErrorDomain), kFileWriteUnknown,
                        "\u201c" + name + "\u201d couldn\u2019t be moved to \u201c" + folder + "\u201d: " +
-                           std::strerror(error) + ".",
-                       std::nullopt, Dict{{"errno", static_cast<std::int64_t>(error)}}};
+                           failure->reason + ".",
+                       std::nullopt, userInfo};
 }
 
 }  // namespace vantu

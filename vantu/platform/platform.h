@@ -11,6 +11,7 @@
 #include "vantu/platform/device_facts.h"
 #include "vantu/platform/device_owner_authentication.h"
 #include "vantu/platform/dispatch.h"
+#include "vantu/platform/file_system.h"
 #include "vantu/platform/geocoder.h"
 #include "vantu/platform/http_transport.h"
 #include "vantu/platform/images.h"
@@ -44,6 +45,8 @@ struct Platform {
   std::shared_ptr<HttpTransport> httpTransport;
   /// The user's photo library; may be null (then saving a picture fails).
   std::shared_ptr<PhotoLibrary> photoLibrary;
+  /// Moves that must not replace a file; may be null (then such moves fail).
+  std::shared_ptr<FileSystem> fileSystem;
   /// The user's documents directory; empty when the platform has none.
   std::filesystem::path documentsDirectory;
 };

@@ -22,7 +22,7 @@ class PromptedLocationServices : public LocationServices,
       : dispatch_(std::move(dispatch)), authorization_(std::move(authorization)) {}
 
   /// What a manager's `requestWhenInUseAuthorization` does.
-  void doRequestWhenInUseAuthorization();
+  void requestWhenInUseAuthorization();
   /// What a manager's `location` reads.
   virtual std::optional<Coordinate> currentFix() const = 0;
 

@@ -1,4 +1,4 @@
-#include "vantu/platform/prompted_location_services.h"
+#include "platforms/common/prompted_location_services.h"
 
 namespace vantu {
 namespace {
@@ -10,7 +10,7 @@ class PromptedLocationManager : public LocationManager {
 
  protected:
   void doRequestWhenInUseAuthorization() override {
-    if (auto services = services_.lock()) services->doRequestWhenInUseAuthorization();
+    if (auto services = services_.lock()) services->requestWhenInUseAuthorization();
   }
   std::optional<Coordinate> doLocation() const override {
     auto services = services_.lock();
@@ -30,7 +30,7 @@ std::shared_ptr<LocationManager> PromptedLocationServices::doMakeManager() {
   return manager;
 }
 
-void PromptedLocationServices::doRequestWhenInUseAuthorization() {
+void PromptedLocationServices::requestWhenInUseAuthorization() {
   if (questionUp_ || authorizationState() != AuthorizationState::notDetermined) return;
   questionUp_ = true;
   dispatch_->main()->async([weak = weak_from_this()] {

@@ -1,4 +1,4 @@
-#include "vantu/platform/write_all.h"
+#include "platforms/common/write_all.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "vantu/platform/basic_notification_center.h"
+#include "platforms/common/basic_notification_center.h"
 
 namespace vantu {
 
