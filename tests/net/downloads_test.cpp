@@ -56,7 +56,7 @@ TEST_F(Downloads, DownloadStreamsToTheFolderAndNeverReplacesAFile) {
   EXPECT_EQ(fs::file_size(path), kSize);
   EXPECT_EQ(listing(downloads()), Strings{"big.bin"});  // no partial file left
 
-  // vantuGetFilePath's answer for a downloaded file is pinned end to end in tests/gtk_e2e.
+  // vantuGetFilePath's answer for a downloaded file is pinned end to end in tests/platforms/gtk.
   EXPECT_EQ(callAndWait("vantuRemoveFile", R"({"fileName": "big.bin"})").answers, Strings{R"({"data":{"success":true}})"});
   // The same answer from vantuGetFilePath is pinned by runner case 16_network_files.
   EXPECT_EQ(callAndWait("vantuRemoveFile", R"({"fileName": "big.bin"})").answers,

@@ -13,7 +13,7 @@ std::string withUrl(const std::string& url, std::string_view rest = R"("method":
 
 TEST_F(HttpRequestBridge, AnyStatusIsASuccessWithHeadersStatusAndTextAndRequestsGoAsGiven) {
   const std::string get = R"("method": "GET")";
-  // Any status is a success (200 and 404 are also pinned end to end in tests/gtk_e2e).
+  // Any status is a success (200 and 404 are also pinned end to end in tests/platforms/gtk).
   const std::tuple<std::string, std::string, std::int64_t, std::string> cases[] = {
       {"/status/404", get, 404, "oops"}, {"/status/204", get, 204, ""}, {"/binary", get, 200, ""},
       {"/redirect", get, 200, "oops"},

@@ -24,7 +24,7 @@
 #include "platforms/linux/linux_platform.h"
 #include "platforms/linux/linux_reachability.h"
 #include "platforms/linux/network_snapshot.h"
-#include "tests/linux/proc_counts.h"
+#include "tests/platforms/linux/proc_counts.h"
 #include "vantu/net/h5_reachability.h"
 
 namespace vantu::linux_platform {

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/linux/proc_counts.h"
+#include "tests/platforms/linux/proc_counts.h"
 
 namespace vantu::linux_platform {
 namespace {

@@ -38,7 +38,7 @@ TEST(VantuH5ColorTest, ReadsSixHexDigitsAndGivesGreyOtherwise) {
 ///   loose (id "loose.app", web view, no navigation controller); orphan (no id) inside nav2 (navigation);
 ///   bare (nothing attached, no navigation controller).
 /// The environment's view-controller provider makes a screen per request.
-class ContainerTest : public testing_support::BridgeTestFixture {
+class ContainerAppearanceTest : public testing_support::BridgeTestFixture {
  protected:
   void SetUp() override {
     BridgeTestFixture::SetUp();
@@ -69,7 +69,7 @@ class ContainerTest : public testing_support::BridgeTestFixture {
 
 // --- The customizer.
 
-TEST_F(ContainerTest, RejectedFlagsPrintTheirLineAndChangeNothing) {
+TEST_F(ContainerAppearanceTest, RejectedFlagsPrintTheirLineAndChangeNothing) {
   const std::string kNoNav = "VantuH5ContainerCustomizer: No navigation controlelr!!!";
   const std::string kVisible = "VantuH5ContainerCustomizer: Visible flag typecast failure!!!";
   const struct {
@@ -102,7 +102,7 @@ TEST_F(ContainerTest, RejectedFlagsPrintTheirLineAndChangeNothing) {
   }
 }
 
-TEST_F(ContainerTest, LayoutFollowsTheBarTheBottomFlagAndTheSystemVersion) {
+TEST_F(ContainerAppearanceTest, LayoutFollowsTheBarTheBottomFlagAndTheSystemVersion) {
   const struct {
     std::string_view flags, systemVersion;
     bool barHidden;
@@ -134,7 +134,7 @@ TEST_F(ContainerTest, LayoutFollowsTheBarTheBottomFlagAndTheSystemVersion) {
   EXPECT_EQ(getBottomSafeAreaTreatmentRequired(*device.screen("shop")), false);
 }
 
-TEST_F(ContainerTest, StatusStripIsReplacedNotStackedAndResetRemovesIt) {
+TEST_F(ContainerAppearanceTest, StatusStripIsReplacedNotStackedAndResetRemovesIt) {
   auto window = device.application().keyWindow();
   const auto before = window->subviews().size();
   customize("loose", R"({"vantuChangeStatusBarColor": "#ff0000"})", false);
@@ -155,7 +155,7 @@ TEST_F(ContainerTest, StatusStripIsReplacedNotStackedAndResetRemovesIt) {
   EXPECT_EQ(window->subviews().size(), before);
 }
 
-TEST_F(ContainerTest, BackButtonColourTintsTheBar) {
+TEST_F(ContainerAppearanceTest, BackButtonColourTintsTheBar) {
   auto bar = std::dynamic_pointer_cast<NavigationController>(device.screen("nav"))->navigationBar();
   customize("shop", R"({"vantuChangeBackButtonColor": "#336699"})");
   EXPECT_EQ(bar->tintColor(), (Color{0x33 / 255.0, 0x66 / 255.0, 0x99 / 255.0, 1}));
@@ -165,7 +165,7 @@ TEST_F(ContainerTest, BackButtonColourTintsTheBar) {
 
 // --- The bridges. Runner case 13 pins the successful bar calls and the printed customizer line.
 
-TEST_F(ContainerTest, BridgesCheckInOrderAndActOnlyWhenEveryCheckPasses) {
+TEST_F(ContainerAppearanceTest, BridgesCheckInOrderAndActOnlyWhenEveryCheckPasses) {
   const std::string kNoContext = "Unable to get current H5 Context";
   const std::string kNoUrl = "invalid parameters: no url could be bound in data";
   const std::string kNoParams = "invalid parameters: no params or param could be bound in data";
@@ -209,7 +209,7 @@ TEST_F(ContainerTest, BridgesCheckInOrderAndActOnlyWhenEveryCheckPasses) {
   }
 }
 
-TEST_F(ContainerTest, PushWindowHttpsIsASubstringTestAndParamsWinsOverParam) {
+TEST_F(ContainerAppearanceTest, PushWindowHttpsIsASubstringTestAndParamsWinsOverParam) {
   const struct {
     std::string_view data;
     std::string_view expectedParams;  // what the provider receives
@@ -229,7 +229,7 @@ TEST_F(ContainerTest, PushWindowHttpsIsASubstringTestAndParamsWinsOverParam) {
   }
 }
 
-TEST_F(ContainerTest, PushWindowPushesTheProvidersScreenAndAnswersNothing) {
+TEST_F(ContainerAppearanceTest, PushWindowPushesTheProvidersScreenAndAnswersNothing) {
   // From a screen inside the navigation controller through its parent (runner case 13 pins the call from "shop" and
   // how the startup map is split).
   auto out = call("pushWindow", R"({"url": "https://shop.example/", "params": {"vantushowtitlebar": 1}})",

@@ -91,7 +91,7 @@ TEST_F(CameraCapture, WithoutACameraOnlyTheLibrarySourcesAreAvailable) {
   std::string error;
   EXPECT_EQ(application.createCameraSource(ImagePickerController::CameraDevice::front, error), nullptr);
   EXPECT_EQ(error, "no camera is connected");
-  // A configured source makes the camera available: tests/gtk_e2e (the camera preview).
+  // A configured source makes the camera available: tests/platforms/gtk (the camera preview).
   application.setCameraScripted(true);  // so does a scripted camera
   EXPECT_TRUE(application.isImagePickerSourceAvailable(ImagePickerSource::camera));
 }
