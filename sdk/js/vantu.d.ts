@@ -214,6 +214,14 @@ declare namespace VantuH5 {
   /** A name that is not one of the typed bridges (a host's own bridge). */
   type OtherName<S extends string> = S extends BridgeName ? never : S;
 
+  /** Bytes of a call's transfer so far; `total` is null while unknown. */
+  interface Progress { received: number; total: number | null }
+  /** One entry of a native batch: an answer, a progress report or an event. */
+  type NativeEntry =
+    | readonly [kind: 0, id: number, payload: unknown]
+    | readonly [kind: 1, id: number, progress: Progress]
+    | readonly [kind: 2, name: string, detail: unknown];
+
   interface InvokeOptions {
     /** Milliseconds to wait for the first answer; no limit when left out. */
     timeout?: number;
@@ -241,6 +249,8 @@ declare namespace VantuH5 {
     readonly VantuError: typeof VantuError;
     /** Used by the native side to deliver an answer. */
     __deliver(id: number, payload: unknown): void;
+    /** Used by the native side to deliver entries in order: an array, or its JSON text. */
+    __receive(batch: readonly NativeEntry[] | string): void;
   }
 }
 

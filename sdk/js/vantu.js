@@ -8,6 +8,9 @@
  *   vantu.call(name, data, callback)    callback runs once per answer
  *   vantu.invoke(name, data, {timeout}) Promise of the first answer
  *
+ * The native side answers through __deliver(id, payload), one answer per
+ * evaluation, or __receive(batch), many entries per evaluation.
+ *
  * See docs/js-sdk.md.
  */
 (function (root) {
@@ -149,6 +152,71 @@
     try { entry.onAnswer(payload); } catch (e) { report(e); }
   }
 
+  // Native -> page, batched: many answers, progress reports and events in
+  // one evaluation, as an array of entries or as the JSON text of one.
+  // Entries are [0, id, payload], [1, id, {received, total}] and
+  // [2, name, detail]; see docs/page-protocol.md.
+  var ANSWER = 0, PROGRESS = 1, EVENT = 2;
+  var inbox = [];          // batches received but not yet handled
+  var receiving = false;
+
+  function receive(batch) {
+    var entries = batch;
+    if (typeof batch === "string") {
+      try { entries = JSON.parse(batch); } catch (e) {
+        report(new TypeError("vantu: a native batch was dropped: its text is not JSON (" + e.message + ")"));
+        return;
+      }
+    }
+    if (!Array.isArray(entries)) {
+      report(new TypeError("vantu: a native batch was dropped: it is not an array of entries"));
+      return;
+    }
+    // A batch received from inside a callback (a transport that answers at
+    // once) waits for the one being handled, so entries keep their order.
+    inbox.push(entries);
+    if (receiving) return;
+    receiving = true;
+    try {
+      for (var b = 0; b < inbox.length; b++) {
+        for (var i = 0; i < inbox[b].length; i++) handleEntry(inbox[b][i], i);
+      }
+    } finally {
+      inbox = [];
+      receiving = false;
+    }
+  }
+
+  function isCallId(id) { return Number.isSafeInteger(id) && id > 0; }
+  function isByteCount(n) { return Number.isSafeInteger(n) && n >= 0; }
+
+  // Returns why an entry cannot be handled, or null.
+  function entryProblem(entry) {
+    if (!Array.isArray(entry) || entry.length !== 3) return "an entry is an array of three elements";
+    var kind = entry[0];
+    if (kind === ANSWER || kind === PROGRESS) {
+      if (!isCallId(entry[1])) return "the call id must be a positive integer";
+      if (kind === PROGRESS) {
+        var p = entry[2];
+        if (p === null || typeof p !== "object" || !isByteCount(p.received) || !(p.total === null || isByteCount(p.total)))
+          return "progress is {\"received\": bytes, \"total\": bytes or null}";
+      }
+      return null;
+    }
+    if (kind === EVENT) return typeof entry[1] === "string" && entry[1].length > 0 ? null : "the event name must be a non-empty string";
+    return "the kind must be 0 (answer), 1 (progress) or 2 (event)";
+  }
+
+  function handleEntry(entry, position) {
+    var problem = entryProblem(entry);
+    if (problem) {
+      report(new TypeError("vantu: entry " + position + " of a native batch was skipped: " + problem));
+      return;
+    }
+    if (entry[0] === ANSWER) deliver(entry[1], entry[2]);
+    // Progress and events reach only their listeners; there are none yet.
+  }
+
   // A page that goes away can no longer be answered: its waiting promises
   // are rejected rather than left hanging. Callbacks of `call` are kept, as
   // a page restored from the back-forward cache may still be answered.
@@ -167,6 +235,7 @@
     invoke: invoke,
     VantuError: VantuError,
     __deliver: deliver,
+    __receive: receive,
   });
   try {
     Object.defineProperty(root, "vantu", { value: sdk, enumerable: true, writable: false, configurable: false });
