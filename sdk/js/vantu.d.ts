@@ -214,6 +214,29 @@ declare namespace VantuH5 {
   /** A name that is not one of the typed bridges (a host's own bridge). */
   type OtherName<S extends string> = S extends BridgeName ? never : S;
 
+  /**
+   * Events the native side sends, by name: the type of each one's detail.
+   * A page or a host adds its own by declaration merging:
+   *
+   *     declare global { namespace VantuH5 { interface Events { signedIn: { user: string } } } }
+   *
+   * Names not in the map are accepted with an `unknown` detail.
+   */
+  interface Events {
+    /** The network changed; `type` is the text "vantuNetworkType" answers now. */
+    networkChanged: { type: NetworkType };
+    /** The container's screen became visible. */
+    containerShown: null;
+    /** The container's screen was hidden (covered, or the app went to the background). */
+    containerHidden: null;
+    /** The container's window gained or lost the focus. */
+    windowFocus: { focused: boolean };
+  }
+  type EventName = keyof Events;
+  /** A name that is not in the event map (a host's own event). */
+  type OtherEvent<S extends string> = S extends EventName ? never : S;
+  type Listener<K extends EventName> = (detail: Events[K]) => void;
+
   /** Bytes of a call's transfer so far; `total` is null while unknown. */
   interface Progress { received: number; total: number | null }
   /** One entry of a native batch: an answer, a progress report or an event. */
@@ -246,6 +269,16 @@ declare namespace VantuH5 {
     /** Calls a bridge and resolves with its first answer; rejects with a VantuError. */
     invoke<N extends BridgeName>(name: N, ...rest: [...DataParam<N>, options?: InvokeOptions]): Promise<Answer<N>>;
     invoke<S extends string>(name: S & OtherName<S>, data?: Json, options?: InvokeOptions): Promise<unknown>;
+    /**
+     * Calls `listener` with the detail of each event called `name`, until
+     * the returned function (or `off`) removes it. Adding a listener that is
+     * there already changes nothing.
+     */
+    on<K extends EventName>(name: K, listener: Listener<K>): () => void;
+    on<S extends string>(name: S & OtherEvent<S>, listener: (detail: unknown) => void): () => void;
+    /** Removes a listener added with `on`; one that is not there is ignored. */
+    off<K extends EventName>(name: K, listener: Listener<K>): void;
+    off<S extends string>(name: S & OtherEvent<S>, listener: (detail: unknown) => void): void;
     readonly VantuError: typeof VantuError;
     /** Used by the native side to deliver an answer. */
     __deliver(id: number, payload: unknown): void;

@@ -7,6 +7,9 @@
  *
  *   vantu.call(name, data, callback)    callback runs once per answer
  *   vantu.invoke(name, data, {timeout}) Promise of the first answer
+ *   vantu.on(name, listener)            events from the native side;
+ *                                       returns a function that unsubscribes
+ *   vantu.off(name, listener)
  *
  * The native side answers through __deliver(id, payload), one answer per
  * evaluation, or __receive(batch), many entries per evaluation.
@@ -214,7 +217,56 @@
       return;
     }
     if (entry[0] === ANSWER) deliver(entry[1], entry[2]);
-    // Progress and events reach only their listeners; there are none yet.
+    else if (entry[0] === EVENT) dispatch(entry[1], entry[2]);
+    // Progress reaches only a call's progress listener; there is none yet.
+  }
+
+  // Events, native -> page. name -> Map(listener -> registration); a
+  // registration is live until it is removed, so that a dispatch in
+  // progress skips listeners removed during it.
+  var eventListeners = new Map();
+
+  function listenerProblem(name, listener) {
+    if (typeof name !== "string" || name.length === 0) return "the event name must be a non-empty string";
+    if (typeof listener !== "function") return "the listener of \"" + name + "\" must be a function";
+    return null;
+  }
+
+  function on(name, listener) {
+    var problem = listenerProblem(name, listener);
+    if (problem) throw new TypeError("vantu.on: " + problem);
+    var registrations = eventListeners.get(name);
+    if (!registrations) eventListeners.set(name, registrations = new Map());
+    var registration = registrations.get(listener);
+    if (!registration) registrations.set(listener, registration = { listener: listener, live: true });
+    return function unsubscribe() { removeRegistration(name, registration); };
+  }
+
+  function off(name, listener) {
+    var problem = listenerProblem(name, listener);
+    if (problem) throw new TypeError("vantu.off: " + problem);
+    var registrations = eventListeners.get(name);
+    if (registrations && registrations.has(listener)) removeRegistration(name, registrations.get(listener));
+  }
+
+  function removeRegistration(name, registration) {
+    if (!registration.live) return;
+    var registrations = eventListeners.get(name);
+    registration.live = false;
+    registrations.delete(registration.listener);
+    if (registrations.size === 0) eventListeners.delete(name);
+  }
+
+  // The listeners are those registered when the dispatch starts; one removed
+  // during it is not called from then on.
+  function dispatch(name, detail) {
+    var registrations = eventListeners.get(name);
+    if (!registrations) return;
+    Array.from(registrations.values()).forEach(function (registration) {
+      var listener = registration.listener;
+      if (!registration.live) return;
+      try { listener(detail); } catch (e) { report(e); }
+    });
   }
 
   // A page that goes away can no longer be answered: its waiting promises
@@ -233,6 +285,8 @@
     version: VERSION,
     call: call,
     invoke: invoke,
+    on: on,
+    off: off,
     VantuError: VantuError,
     __deliver: deliver,
     __receive: receive,
