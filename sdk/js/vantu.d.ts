@@ -211,6 +211,10 @@ declare namespace VantuH5 {
   type Answer<N extends BridgeName> = Bridges[N]["answer"] | FlatError;
   /** `data` may be left out only for bridges whose arguments are all optional. */
   type DataParam<N extends BridgeName> = {} extends Args<N> ? [data?: Args<N>] : [data: Args<N>];
+  /** What follows the name in `call`: data (see DataParam), callback, options. */
+  type CallRest<N extends BridgeName> = {} extends Args<N>
+    ? [data?: Args<N>, callback?: (answer: Answer<N>) => void, options?: CallOptions]
+    : [data: Args<N>, callback?: (answer: Answer<N>) => void, options?: CallOptions];
   /** A name that is not one of the typed bridges (a host's own bridge). */
   type OtherName<S extends string> = S extends BridgeName ? never : S;
 
@@ -245,9 +249,15 @@ declare namespace VantuH5 {
     | readonly [kind: 1, id: number, progress: Progress]
     | readonly [kind: 2, name: string, detail: unknown];
 
+  interface CallOptions {
+    /** Called with the progress of the call's transfer (a download) while the native side reports it. */
+    onProgress?: (progress: Progress) => void;
+  }
   interface InvokeOptions {
-    /** Milliseconds to wait for the first answer; no limit when left out. */
+    /** Milliseconds to wait for the first answer; no limit when left out. Progress does not extend it. */
     timeout?: number;
+    /** Called with the progress of the call's transfer until the promise settles. */
+    onProgress?: (progress: Progress) => void;
   }
 
   /** Why an invoke was rejected (or a call refused for bad arguments). */
@@ -261,11 +271,12 @@ declare namespace VantuH5 {
     readonly version: string;
     /**
      * Calls a bridge; `callback` runs once per answer, with the payload as
-     * the native side sent it, for the life of the page. Returns the call's
-     * id, 0 when there is no native side (the callback then gets a FlatError).
+     * the native side sent it, for the life of the page; `onProgress` gets
+     * the progress the native side reports. Returns the call's id, 0 when
+     * there is no native side (the callback then gets a FlatError).
      */
-    call<N extends BridgeName>(name: N, ...rest: [...DataParam<N>, callback?: (answer: Answer<N>) => void]): number;
-    call<S extends string>(name: S & OtherName<S>, data?: Json, callback?: (answer: unknown) => void): number;
+    call<N extends BridgeName>(name: N, ...rest: CallRest<N>): number;
+    call<S extends string>(name: S & OtherName<S>, data?: Json, callback?: (answer: unknown) => void, options?: CallOptions): number;
     /** Calls a bridge and resolves with its first answer; rejects with a VantuError. */
     invoke<N extends BridgeName>(name: N, ...rest: [...DataParam<N>, options?: InvokeOptions]): Promise<Answer<N>>;
     invoke<S extends string>(name: S & OtherName<S>, data?: Json, options?: InvokeOptions): Promise<unknown>;

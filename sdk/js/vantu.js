@@ -5,8 +5,10 @@
  * into the top frame before the page's own scripts run. Loading it again,
  * by the container or by the page, changes nothing.
  *
- *   vantu.call(name, data, callback)    callback runs once per answer
- *   vantu.invoke(name, data, {timeout}) Promise of the first answer
+ *   vantu.call(name, data, callback, {onProgress})
+ *                                       callback runs once per answer
+ *   vantu.invoke(name, data, {timeout, onProgress})
+ *                                       Promise of the first answer
  *   vantu.on(name, listener)            events from the native side;
  *                                       returns a function that unsubscribes
  *   vantu.off(name, listener)
@@ -47,7 +49,7 @@
     }
   }
 
-  // id -> {bridge, onAnswer, invoke}. Calls live until the page goes away;
+  // id -> {bridge, onAnswer, onProgress, invoke}. Calls live until the page goes away;
   // an invoke's entry is removed at its first answer, timeout or unload.
   var pending = new Map();
   var lastId = 0;
@@ -96,13 +98,22 @@
     return { id: id };
   }
 
-  function call(name, data, callback) {
-    var problem = argumentProblem(name, data);
+  // Why the options of a call cannot be used, or null.
+  function optionsProblem(options) {
+    if (options == null) return null;
+    if (typeof options !== "object") return "the options must be an object";
+    if (options.onProgress !== undefined && typeof options.onProgress !== "function") return "onProgress must be a function";
+    return null;
+  }
+
+  function call(name, data, callback, options) {
+    var problem = argumentProblem(name, data) || optionsProblem(options);
     if (problem) throw new TypeError("vantu.call: " + problem);
     if (callback !== undefined && typeof callback !== "function")
       throw new TypeError("vantu.call: the callback of \"" + name + "\" must be a function");
     var onAnswer = callback || function () {};
-    var sent = send(name, data, { bridge: name, onAnswer: onAnswer, invoke: false });
+    var onProgress = options == null ? undefined : options.onProgress;
+    var sent = send(name, data, { bridge: name, onAnswer: onAnswer, onProgress: onProgress, invoke: false });
     if (sent.problem === "bad-argument") throw new TypeError(sent.message);
     if (sent.problem === "no-native") {
       // Answered like a refused native call, and never before call returns.
@@ -116,9 +127,8 @@
 
   function invoke(name, data, options) {
     return new Promise(function (resolve, reject) {
-      var problem = argumentProblem(name, data);
+      var problem = argumentProblem(name, data) || optionsProblem(options);
       var timeout = options == null ? undefined : options.timeout;
-      if (!problem && options != null && typeof options !== "object") problem = "the options must be an object";
       if (!problem && timeout !== undefined && !(typeof timeout === "number" && timeout >= 0 && isFinite(timeout)))
         problem = "the timeout must be a finite number of milliseconds, 0 or more";
       if (problem) { reject(new VantuError("bad-argument", "vantu.invoke: " + problem, name)); return; }
@@ -128,6 +138,7 @@
       var entry = {
         bridge: name,
         invoke: true,
+        onProgress: options == null ? undefined : options.onProgress,
         onAnswer: function (payload) { if (settle()) resolve(payload); },
         onFail: function (error) { if (settle()) reject(error); },
       };
@@ -217,8 +228,16 @@
       return;
     }
     if (entry[0] === ANSWER) deliver(entry[1], entry[2]);
-    else if (entry[0] === EVENT) dispatch(entry[1], entry[2]);
-    // Progress reaches only a call's progress listener; there is none yet.
+    else if (entry[0] === PROGRESS) progress(entry[1], entry[2]);
+    else dispatch(entry[1], entry[2]);
+  }
+
+  // A call's progress goes to its listener while the call is known: an
+  // invoke's until it settles, a call's for the life of the page.
+  function progress(id, sofar) {
+    var entry = pending.get(id);
+    if (!entry || !entry.onProgress) return;
+    try { entry.onProgress({ received: sofar.received, total: sofar.total }); } catch (e) { report(e); }
   }
 
   // Events, native -> page. name -> Map(listener -> registration); a

@@ -55,7 +55,20 @@ function typedEvents(): void {
   sdk.off("hostOwnEvent", (d: unknown) => void d);
 }
 
+async function typedProgress(): Promise<void> {
+  const bar = (p: VantuH5.Progress) => { const fraction = p.total === null ? null : p.received / p.total; void fraction; };
+  const saved = await vantu.invoke("vantuDownloadFile", { fileName: "a.bin", fileDownloadUrl: "https://a.example/a.bin" },
+    { timeout: 60000, onProgress: bar });
+  if ("data" in saved) { const path: string = saved.data.filePath; void path; }
+  vantu.call("vantuDownloadFile", { fileName: "a.bin", fileDownloadUrl: "https://a.example/a.bin" }, undefined, { onProgress: bar });
+  vantu.call("hostTransfer", {}, (a: unknown) => void a, { onProgress: ({ received }) => void received });
+}
+
 function refusedUses(): void {
+  // @ts-expect-error total may be null
+  vantu.invoke("vantuDownloadFile", { fileName: "a", fileDownloadUrl: "u" }, { onProgress: (p) => p.total.toFixed() });
+  // @ts-expect-error onProgress takes a function
+  vantu.call("vantuDownloadFile", { fileName: "a", fileDownloadUrl: "u" }, undefined, { onProgress: true });
   // @ts-expect-error the detail of a network change is not a string
   vantu.on("networkChanged", (d: string) => void d);
   // @ts-expect-error the detail of a host's own event is unknown, not any
@@ -85,4 +98,4 @@ function refusedUses(): void {
   window.vantu = sdk;
 }
 
-void typedUses; void typedEvents; void refusedUses;
+void typedUses; void typedEvents; void typedProgress; void refusedUses;
