@@ -315,4 +315,6 @@
   } catch (e) {
     root.vantu = sdk;  // a page's own non-configurable `vantu` global
   }
+  // The root is found by these two names only: mock.mjs runs this file with
+  // both bound to a private root of its own.
 })(typeof window !== "undefined" ? window : globalThis);
