@@ -4,6 +4,8 @@
   "use strict";
 
   const sdk = window.vantu && window.vantu.__vantuSdk ? window.vantu : null;
+  // Opened as index.html?selftest=1, to run the self-test at once.
+  const selfTesting = new URLSearchParams(location.search).get("selftest") === "1";
 
   // Builds an element: h("button", {class: "ghost", onclick}, "Run").
   function h(tag, attrs, ...children) {
@@ -74,8 +76,9 @@
     if ("answer" in outcome) panel.append(h("pre", {}, json(outcome.answer)));
   }
 
-  // invoke with the outcome shown in `panel`; resolves to
-  // {kind, answer?, error?, text} and never rejects.
+  // invoke with the outcome shown in `panel` (and progress handed to
+  // `onProgress`); resolves to {kind, answer?, error?, text} and never
+  // rejects.
   async function run(bridge, data, options = {}) {
     const panel = options.panel;
     if (!sdk) {
@@ -85,7 +88,7 @@
     }
     show(panel, bridge, { kind: "waiting", note: options.waitingNote || "Waiting for the native side…" });
     try {
-      const answer = await sdk.invoke(bridge, data || {}, options.timeout ? { timeout: options.timeout } : undefined);
+      const answer = await sdk.invoke(bridge, data || {}, { timeout: options.timeout || undefined, onProgress: options.onProgress });
       const v = verdict(bridge, answer);
       const outcome = { kind: v.kind, text: v.text, answer };
       show(panel, bridge, outcome);
@@ -136,13 +139,49 @@
     return span;
   }
 
+  // The network the container reports, kept up to date by "networkChanged"
+  // events. With `ask` it first asks "vantuNetworkType"; an event that comes
+  // before the answer is newer, so the answer is then ignored.
+  function networkIndicator({ ask = true } = {}) {
+    const label = h("span", {}, "");
+    const el = h("span", { class: "net", title: "The network, as the container reports it" }, h("span", { class: "dot" }), label);
+    function showType(type, state) {
+      el.className = state ? `net ${state}` : "net";
+      label.textContent = type;
+    }
+    const showNetwork = (type) => showType(type, type === "No Connection" ? "offline" : type.startsWith("Unknown") ? "" : "online");
+    if (!sdk) {
+      showType("no container", "");
+      return el;
+    }
+    let changed = false;
+    sdk.on("networkChanged", (detail) => {
+      changed = true;
+      showNetwork(String(detail && detail.type));
+    });
+    if (!ask) {
+      showType("network: not asked (self-test)", "");
+      return el;
+    }
+    showType("network…", "");
+    sdk.invoke("vantuNetworkType", {}, { timeout: 20000 }).then((answer) => {
+      if (changed) return;
+      if (isObject(answer) && typeof answer.data === "string") showNetwork(answer.data);
+      else showType(`network: ${verdict("vantuNetworkType", answer).text}`, "");
+    }, () => { if (!changed) showType("network: no answer", ""); });
+    return el;
+  }
+
   // The header every page shares, plus a warning when the SDK is missing.
   // The page's header, and with `answers` (true, or a hint to show) a
   // "Last answer" card at the end, whose panel is returned.
   function frame({ icon: iconName, title, text, back = true, answers = false }) {
+    // The self-test's run asks nothing but its own calls.
     const hero = h("header", { class: "hero" },
       h("div", { class: "inner" },
-        back ? h("a", { class: "back", href: "index.html" }, "‹ All demos") : null,
+        h("div", { class: "top" },
+          back ? h("a", { class: "back", href: "index.html" }, "‹ All demos") : h("span"),
+          networkIndicator({ ask: !selfTesting })),
         h("h1", {}, icon(iconName), title),
         h("p", {}, text)));
     document.body.prepend(hero);
@@ -160,5 +199,5 @@
     return panel;
   }
 
-  window.Demo = { sdk, h, fill, verdict, json, chip, show, run, listen, here, frame, icon, isObject };
+  window.Demo = { sdk, selfTesting, h, fill, verdict, json, chip, show, run, listen, here, frame, icon, isObject, networkIndicator };
 })();

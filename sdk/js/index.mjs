@@ -9,6 +9,8 @@ const sdk = globalThis.vantu;
 
 export const call = sdk.call;
 export const invoke = sdk.invoke;
+export const on = sdk.on;
+export const off = sdk.off;
 export const VantuError = sdk.VantuError;
 export const version = sdk.version;
 export default sdk;

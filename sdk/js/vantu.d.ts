@@ -211,12 +211,53 @@ declare namespace VantuH5 {
   type Answer<N extends BridgeName> = Bridges[N]["answer"] | FlatError;
   /** `data` may be left out only for bridges whose arguments are all optional. */
   type DataParam<N extends BridgeName> = {} extends Args<N> ? [data?: Args<N>] : [data: Args<N>];
+  /** What follows the name in `call`: data (see DataParam), callback, options. */
+  type CallRest<N extends BridgeName> = {} extends Args<N>
+    ? [data?: Args<N>, callback?: (answer: Answer<N>) => void, options?: CallOptions]
+    : [data: Args<N>, callback?: (answer: Answer<N>) => void, options?: CallOptions];
   /** A name that is not one of the typed bridges (a host's own bridge). */
   type OtherName<S extends string> = S extends BridgeName ? never : S;
 
+  /**
+   * Events the native side sends, by name: the type of each one's detail.
+   * A page or a host adds its own by declaration merging:
+   *
+   *     declare global { namespace VantuH5 { interface Events { signedIn: { user: string } } } }
+   *
+   * Names not in the map are accepted with an `unknown` detail.
+   */
+  interface Events {
+    /** The network changed; `type` is the text "vantuNetworkType" answers now. */
+    networkChanged: { type: NetworkType };
+    /** The container's screen became visible. */
+    containerShown: null;
+    /** The container's screen was hidden (covered, or the app went to the background). */
+    containerHidden: null;
+    /** The container's window gained or lost the focus. */
+    windowFocus: { focused: boolean };
+  }
+  type EventName = keyof Events;
+  /** A name that is not in the event map (a host's own event). */
+  type OtherEvent<S extends string> = S extends EventName ? never : S;
+  type Listener<K extends EventName> = (detail: Events[K]) => void;
+
+  /** Bytes of a call's transfer so far; `total` is null while unknown. */
+  interface Progress { received: number; total: number | null }
+  /** One entry of a native batch: an answer, a progress report or an event. */
+  type NativeEntry =
+    | readonly [kind: 0, id: number, payload: unknown]
+    | readonly [kind: 1, id: number, progress: Progress]
+    | readonly [kind: 2, name: string, detail: unknown];
+
+  interface CallOptions {
+    /** Called with the progress of the call's transfer (a download) while the native side reports it. */
+    onProgress?: (progress: Progress) => void;
+  }
   interface InvokeOptions {
-    /** Milliseconds to wait for the first answer; no limit when left out. */
+    /** Milliseconds to wait for the first answer; no limit when left out. Progress does not extend it. */
     timeout?: number;
+    /** Called with the progress of the call's transfer until the promise settles. */
+    onProgress?: (progress: Progress) => void;
   }
 
   /** Why an invoke was rejected (or a call refused for bad arguments). */
@@ -230,17 +271,30 @@ declare namespace VantuH5 {
     readonly version: string;
     /**
      * Calls a bridge; `callback` runs once per answer, with the payload as
-     * the native side sent it, for the life of the page. Returns the call's
-     * id, 0 when there is no native side (the callback then gets a FlatError).
+     * the native side sent it, for the life of the page; `onProgress` gets
+     * the progress the native side reports. Returns the call's id, 0 when
+     * there is no native side (the callback then gets a FlatError).
      */
-    call<N extends BridgeName>(name: N, ...rest: [...DataParam<N>, callback?: (answer: Answer<N>) => void]): number;
-    call<S extends string>(name: S & OtherName<S>, data?: Json, callback?: (answer: unknown) => void): number;
+    call<N extends BridgeName>(name: N, ...rest: CallRest<N>): number;
+    call<S extends string>(name: S & OtherName<S>, data?: Json, callback?: (answer: unknown) => void, options?: CallOptions): number;
     /** Calls a bridge and resolves with its first answer; rejects with a VantuError. */
     invoke<N extends BridgeName>(name: N, ...rest: [...DataParam<N>, options?: InvokeOptions]): Promise<Answer<N>>;
     invoke<S extends string>(name: S & OtherName<S>, data?: Json, options?: InvokeOptions): Promise<unknown>;
+    /**
+     * Calls `listener` with the detail of each event called `name`, until
+     * the returned function (or `off`) removes it. Adding a listener that is
+     * there already changes nothing.
+     */
+    on<K extends EventName>(name: K, listener: Listener<K>): () => void;
+    on<S extends string>(name: S & OtherEvent<S>, listener: (detail: unknown) => void): () => void;
+    /** Removes a listener added with `on`; one that is not there is ignored. */
+    off<K extends EventName>(name: K, listener: Listener<K>): void;
+    off<S extends string>(name: S & OtherEvent<S>, listener: (detail: unknown) => void): void;
     readonly VantuError: typeof VantuError;
     /** Used by the native side to deliver an answer. */
     __deliver(id: number, payload: unknown): void;
+    /** Used by the native side to deliver entries in order: an array, or its JSON text. */
+    __receive(batch: readonly NativeEntry[] | string): void;
   }
 }
 

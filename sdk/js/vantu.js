@@ -5,8 +5,16 @@
  * into the top frame before the page's own scripts run. Loading it again,
  * by the container or by the page, changes nothing.
  *
- *   vantu.call(name, data, callback)    callback runs once per answer
- *   vantu.invoke(name, data, {timeout}) Promise of the first answer
+ *   vantu.call(name, data, callback, {onProgress})
+ *                                       callback runs once per answer
+ *   vantu.invoke(name, data, {timeout, onProgress})
+ *                                       Promise of the first answer
+ *   vantu.on(name, listener)            events from the native side;
+ *                                       returns a function that unsubscribes
+ *   vantu.off(name, listener)
+ *
+ * The native side answers through __deliver(id, payload), one answer per
+ * evaluation, or __receive(batch), many entries per evaluation.
  *
  * See docs/js-sdk.md.
  */
@@ -41,7 +49,7 @@
     }
   }
 
-  // id -> {bridge, onAnswer, invoke}. Calls live until the page goes away;
+  // id -> {bridge, onAnswer, onProgress, invoke}. Calls live until the page goes away;
   // an invoke's entry is removed at its first answer, timeout or unload.
   var pending = new Map();
   var lastId = 0;
@@ -90,13 +98,22 @@
     return { id: id };
   }
 
-  function call(name, data, callback) {
-    var problem = argumentProblem(name, data);
+  // Why the options of a call cannot be used, or null.
+  function optionsProblem(options) {
+    if (options == null) return null;
+    if (typeof options !== "object") return "the options must be an object";
+    if (options.onProgress !== undefined && typeof options.onProgress !== "function") return "onProgress must be a function";
+    return null;
+  }
+
+  function call(name, data, callback, options) {
+    var problem = argumentProblem(name, data) || optionsProblem(options);
     if (problem) throw new TypeError("vantu.call: " + problem);
     if (callback !== undefined && typeof callback !== "function")
       throw new TypeError("vantu.call: the callback of \"" + name + "\" must be a function");
     var onAnswer = callback || function () {};
-    var sent = send(name, data, { bridge: name, onAnswer: onAnswer, invoke: false });
+    var onProgress = options == null ? undefined : options.onProgress;
+    var sent = send(name, data, { bridge: name, onAnswer: onAnswer, onProgress: onProgress, invoke: false });
     if (sent.problem === "bad-argument") throw new TypeError(sent.message);
     if (sent.problem === "no-native") {
       // Answered like a refused native call, and never before call returns.
@@ -110,9 +127,8 @@
 
   function invoke(name, data, options) {
     return new Promise(function (resolve, reject) {
-      var problem = argumentProblem(name, data);
+      var problem = argumentProblem(name, data) || optionsProblem(options);
       var timeout = options == null ? undefined : options.timeout;
-      if (!problem && options != null && typeof options !== "object") problem = "the options must be an object";
       if (!problem && timeout !== undefined && !(typeof timeout === "number" && timeout >= 0 && isFinite(timeout)))
         problem = "the timeout must be a finite number of milliseconds, 0 or more";
       if (problem) { reject(new VantuError("bad-argument", "vantu.invoke: " + problem, name)); return; }
@@ -122,6 +138,7 @@
       var entry = {
         bridge: name,
         invoke: true,
+        onProgress: options == null ? undefined : options.onProgress,
         onAnswer: function (payload) { if (settle()) resolve(payload); },
         onFail: function (error) { if (settle()) reject(error); },
       };
@@ -149,6 +166,128 @@
     try { entry.onAnswer(payload); } catch (e) { report(e); }
   }
 
+  // Native -> page, batched: many answers, progress reports and events in
+  // one evaluation, as an array of entries or as the JSON text of one.
+  // Entries are [0, id, payload], [1, id, {received, total}] and
+  // [2, name, detail]; see docs/page-protocol.md.
+  var ANSWER = 0, PROGRESS = 1, EVENT = 2;
+  var inbox = [];          // batches received but not yet handled
+  var receiving = false;
+
+  function receive(batch) {
+    var entries = batch;
+    if (typeof batch === "string") {
+      try { entries = JSON.parse(batch); } catch (e) {
+        report(new TypeError("vantu: a native batch was dropped: its text is not JSON (" + e.message + ")"));
+        return;
+      }
+    }
+    if (!Array.isArray(entries)) {
+      report(new TypeError("vantu: a native batch was dropped: it is not an array of entries"));
+      return;
+    }
+    // A batch received from inside a callback (a transport that answers at
+    // once) waits for the one being handled, so entries keep their order.
+    inbox.push(entries);
+    if (receiving) return;
+    receiving = true;
+    try {
+      for (var b = 0; b < inbox.length; b++) {
+        for (var i = 0; i < inbox[b].length; i++) handleEntry(inbox[b][i], i);
+      }
+    } finally {
+      inbox = [];
+      receiving = false;
+    }
+  }
+
+  function isCallId(id) { return Number.isSafeInteger(id) && id > 0; }
+  function isByteCount(n) { return Number.isSafeInteger(n) && n >= 0; }
+
+  // Returns why an entry cannot be handled, or null.
+  function entryProblem(entry) {
+    if (!Array.isArray(entry) || entry.length !== 3) return "an entry is an array of three elements";
+    var kind = entry[0];
+    if (kind === ANSWER || kind === PROGRESS) {
+      if (!isCallId(entry[1])) return "the call id must be a positive integer";
+      if (kind === PROGRESS) {
+        var p = entry[2];
+        if (p === null || typeof p !== "object" || !isByteCount(p.received) || !(p.total === null || isByteCount(p.total)))
+          return "progress is {\"received\": bytes, \"total\": bytes or null}";
+      }
+      return null;
+    }
+    if (kind === EVENT) return typeof entry[1] === "string" && entry[1].length > 0 ? null : "the event name must be a non-empty string";
+    return "the kind must be 0 (answer), 1 (progress) or 2 (event)";
+  }
+
+  function handleEntry(entry, position) {
+    var problem = entryProblem(entry);
+    if (problem) {
+      report(new TypeError("vantu: entry " + position + " of a native batch was skipped: " + problem));
+      return;
+    }
+    if (entry[0] === ANSWER) deliver(entry[1], entry[2]);
+    else if (entry[0] === PROGRESS) progress(entry[1], entry[2]);
+    else dispatch(entry[1], entry[2]);
+  }
+
+  // A call's progress goes to its listener while the call is known: an
+  // invoke's until it settles, a call's for the life of the page.
+  function progress(id, sofar) {
+    var entry = pending.get(id);
+    if (!entry || !entry.onProgress) return;
+    try { entry.onProgress({ received: sofar.received, total: sofar.total }); } catch (e) { report(e); }
+  }
+
+  // Events, native -> page. name -> Map(listener -> registration); a
+  // registration is live until it is removed, so that a dispatch in
+  // progress skips listeners removed during it.
+  var eventListeners = new Map();
+
+  function listenerProblem(name, listener) {
+    if (typeof name !== "string" || name.length === 0) return "the event name must be a non-empty string";
+    if (typeof listener !== "function") return "the listener of \"" + name + "\" must be a function";
+    return null;
+  }
+
+  function on(name, listener) {
+    var problem = listenerProblem(name, listener);
+    if (problem) throw new TypeError("vantu.on: " + problem);
+    var registrations = eventListeners.get(name);
+    if (!registrations) eventListeners.set(name, registrations = new Map());
+    var registration = registrations.get(listener);
+    if (!registration) registrations.set(listener, registration = { listener: listener, live: true });
+    return function unsubscribe() { removeRegistration(name, registration); };
+  }
+
+  function off(name, listener) {
+    var problem = listenerProblem(name, listener);
+    if (problem) throw new TypeError("vantu.off: " + problem);
+    var registrations = eventListeners.get(name);
+    if (registrations && registrations.has(listener)) removeRegistration(name, registrations.get(listener));
+  }
+
+  function removeRegistration(name, registration) {
+    if (!registration.live) return;
+    var registrations = eventListeners.get(name);
+    registration.live = false;
+    registrations.delete(registration.listener);
+    if (registrations.size === 0) eventListeners.delete(name);
+  }
+
+  // The listeners are those registered when the dispatch starts; one removed
+  // during it is not called from then on.
+  function dispatch(name, detail) {
+    var registrations = eventListeners.get(name);
+    if (!registrations) return;
+    Array.from(registrations.values()).forEach(function (registration) {
+      var listener = registration.listener;
+      if (!registration.live) return;
+      try { listener(detail); } catch (e) { report(e); }
+    });
+  }
+
   // A page that goes away can no longer be answered: its waiting promises
   // are rejected rather than left hanging. Callbacks of `call` are kept, as
   // a page restored from the back-forward cache may still be answered.
@@ -165,12 +304,17 @@
     version: VERSION,
     call: call,
     invoke: invoke,
+    on: on,
+    off: off,
     VantuError: VantuError,
     __deliver: deliver,
+    __receive: receive,
   });
   try {
     Object.defineProperty(root, "vantu", { value: sdk, enumerable: true, writable: false, configurable: false });
   } catch (e) {
     root.vantu = sdk;  // a page's own non-configurable `vantu` global
   }
+  // The root is found by these two names only: mock.mjs runs this file with
+  // both bound to a private root of its own.
 })(typeof window !== "undefined" ? window : globalThis);

@@ -9,6 +9,8 @@ test("the module re-exports the injected SDK's functions", async () => {
   assert.equal(sdk.default, globalThis.vantu);
   assert.equal(sdk.invoke, globalThis.vantu.invoke);
   assert.equal(sdk.call, globalThis.vantu.call);
+  assert.equal(sdk.on, globalThis.vantu.on);
+  assert.equal(sdk.off, globalThis.vantu.off);
   const answer = sdk.invoke("vantuDeviceManufacturer");
   globalThis.vantu.__deliver(posted[0].id, { data: "Apple" });
   assert.deepEqual(await answer, { data: "Apple" });

@@ -52,6 +52,7 @@ export function makePage({ native = true } = {}) {
     load() { vm.runInContext(sdkSource, context); return context.vantu; },
     get vantu() { return context.vantu; },
     deliver(id, payload) { context.vantu.__deliver(id, payload); },
+    receive(batch) { context.vantu.__receive(batch); },
     lastId() { return posted.at(-1).id; },
     hide() { winListeners.fire("pagehide", { persisted: false }); },
     pagehideListeners() { return winListeners.count("pagehide"); },
@@ -68,3 +69,6 @@ export function makePage({ native = true } = {}) {
 
 // Lets queued microtasks and promise reactions run.
 export const settle = () => new Promise((resolve) => setImmediate(resolve));
+
+// Values parsed in the page's realm, as plain values of this one.
+export const plain = (value) => JSON.parse(JSON.stringify(value));

@@ -1,6 +1,13 @@
 // Compiled with tsc --noEmit: typed uses of the SDK must compile, and each
 // line marked @ts-expect-error must be refused (tsc fails if one is not).
-import sdk, { invoke as invokeFromModule, type Answer } from "../../index.mjs";
+import sdk, { invoke as invokeFromModule, on as onFromModule, type Answer, type Events } from "../../index.mjs";
+
+// A page's own event, added to the map by declaration merging.
+declare global {
+  namespace VantuH5 {
+    interface Events { signedIn: { user: string } }
+  }
+}
 
 async function typedUses(): Promise<void> {
   const got = await vantu.invoke("vantuGetData", { keys: ["note"] }, { timeout: 5000 });
@@ -35,7 +42,43 @@ async function typedUses(): Promise<void> {
   catch (e) { if (e instanceof vantu.VantuError) { const why: "no-native" | "timeout" | "unload" | "bad-argument" = e.code; void why; } }
 }
 
+function typedEvents(): void {
+  const stop: () => void = vantu.on("networkChanged", (d) => { const t: VantuH5.NetworkType = d.type; void t; });
+  stop();
+  vantu.on("containerShown", (d) => { const none: null = d; void none; });
+  window.vantu.on("windowFocus", (d) => { const f: boolean = d.focused; void f; });
+  onFromModule("signedIn", (d) => { const u: string = d.user; void u; });
+  vantu.on("hostOwnEvent", (d) => { const any: unknown = d; void any; });
+  const focus = (d: Events["windowFocus"]) => void d;
+  vantu.on("windowFocus", focus);
+  vantu.off("windowFocus", focus);
+  sdk.off("hostOwnEvent", (d: unknown) => void d);
+}
+
+async function typedProgress(): Promise<void> {
+  const bar = (p: VantuH5.Progress) => { const fraction = p.total === null ? null : p.received / p.total; void fraction; };
+  const saved = await vantu.invoke("vantuDownloadFile", { fileName: "a.bin", fileDownloadUrl: "https://a.example/a.bin" },
+    { timeout: 60000, onProgress: bar });
+  if ("data" in saved) { const path: string = saved.data.filePath; void path; }
+  vantu.call("vantuDownloadFile", { fileName: "a.bin", fileDownloadUrl: "https://a.example/a.bin" }, undefined, { onProgress: bar });
+  vantu.call("hostTransfer", {}, (a: unknown) => void a, { onProgress: ({ received }) => void received });
+}
+
 function refusedUses(): void {
+  // @ts-expect-error total may be null
+  vantu.invoke("vantuDownloadFile", { fileName: "a", fileDownloadUrl: "u" }, { onProgress: (p) => p.total.toFixed() });
+  // @ts-expect-error onProgress takes a function
+  vantu.call("vantuDownloadFile", { fileName: "a", fileDownloadUrl: "u" }, undefined, { onProgress: true });
+  // @ts-expect-error the detail of a network change is not a string
+  vantu.on("networkChanged", (d: string) => void d);
+  // @ts-expect-error the detail of a host's own event is unknown, not any
+  vantu.on("hostOwnEvent", (d) => d.length);
+  // @ts-expect-error a merged event keeps its declared detail
+  vantu.on("signedIn", (d) => { const n: number = d.user; void n;  });
+  // @ts-expect-error windowFocus carries "focused"
+  vantu.on("windowFocus", (d) => d.visible);
+  // @ts-expect-error a listener is required
+  vantu.on("containerHidden");
   // @ts-expect-error keys is required
   vantu.invoke("vantuGetData", {});
   // @ts-expect-error keys must be strings
@@ -55,4 +98,4 @@ function refusedUses(): void {
   window.vantu = sdk;
 }
 
-void typedUses; void refusedUses;
+void typedUses; void typedEvents; void typedProgress; void refusedUses;
