@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 
 #include "platforms/gtk/container_application.h"
 #include "platforms/gtk/container_stack.h"
@@ -17,6 +18,7 @@
 #include "platforms/sim/device_profile.h"
 #include "vantu/core/laizaxlu.h"
 #include "vantu/runtime/bridge_registry.h"
+#include "vantu/runtime/environment_services.h"
 #include "vantu/value/json.h"
 
 namespace vantu::cli {
@@ -56,119 +58,151 @@ page::PageObserver callLog(Clock::time_point start, bool quiet) {
   return log;
 }
 
-}  // namespace
+/// Why the run cannot start: printed on standard error, exit code 2.
+class CannotStart : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
-int runContainer(const RunOptions& options) {
-  const auto start = Clock::now();
-  auto fail = [](const std::string& message) {
-    std::cerr << "vantu-h5 run: " << message << "\n";
-    return 2;
-  };
+/// The device profile named by --device-profile, read but not yet applied.
+std::optional<Value> readDeviceProfile(const RunOptions& options) {
+  if (options.deviceProfile.empty()) return std::nullopt;
+  auto parsed = json::parseFile(options.deviceProfile);
+  if (!parsed) throw CannotStart("cannot read " + options.deviceProfile);
+  if (!parsed->ok()) throw CannotStart(options.deviceProfile + ": " + parsed->error().message);
+  Value profile = std::move(parsed->value());
+  if (!profile.isDict()) throw CannotStart(options.deviceProfile + ": must be a JSON object");
+  return profile;
+}
 
-  std::optional<Value> profile;
-  if (!options.deviceProfile.empty()) {
-    auto parsed = json::parseFile(options.deviceProfile);
-    if (!parsed) return fail("cannot read " + options.deviceProfile);
-    if (!parsed->ok()) return fail(options.deviceProfile + ": " + parsed->error().message);
-    profile = std::move(parsed->value());
-    if (!profile->isDict()) return fail(options.deviceProfile + ": must be a JSON object");
-  }
+AppType readAppType(const RunOptions& options) {
   auto appType = appTypeFromRawValue(options.appType);
-  if (!appType) return fail("--app-type must be \"miniapp\" or \"generic\"");
+  if (!appType) throw CannotStart("--app-type must be \"miniapp\" or \"generic\"");
+  return *appType;
+}
 
-  const std::filesystem::path dataDir = options.dataDir.empty() ? defaultDataDir() : std::filesystem::path(options.dataDir);
+std::filesystem::path makeDataDirectory(const RunOptions& options) {
+  std::filesystem::path dataDir = options.dataDir.empty() ? defaultDataDir() : std::filesystem::path(options.dataDir);
   std::error_code ec;
   std::filesystem::create_directories(dataDir, ec);
-  if (ec) return fail("cannot create data directory " + dataDir.string() + ": " + ec.message());
+  if (ec) throw CannotStart("cannot create data directory " + dataDir.string() + ": " + ec.message());
+  return dataDir;
+}
 
+/// A device profile replaces the services of its sections. Pickers it
+/// scripts are answered from it; the others (left out or "hold") show their
+/// dialogs.
+void applyDeviceProfile(const RunOptions& options, const Value& profile, Platform& platform,
+                        gtk::ContainerApplication* application) {
+  auto loaded = sim::DeviceProfile::load(profile, platform);
+  if (auto* error = std::get_if<std::string>(&loaded)) throw CannotStart(options.deviceProfile + ": " + *error);
+  auto& deviceProfile = std::get<sim::DeviceProfile>(loaded);
+  deviceProfile.installInto(platform);
+  std::shared_ptr<sim::SimPickers> pickers = deviceProfile.pickers();
+  if (!pickers) return;
+  pickers->baseDirectory = std::filesystem::absolute(options.deviceProfile).parent_path();
+  if (application) application->setCameraScripted(pickers->camera.action != sim::SimPickers::Action::hold);
+  gtk::setPickerScript([pickers](const std::shared_ptr<ViewController>& presented) {
+    if (!pickers->answers(*presented)) return false;
+    pickers->presented(presented);
+    return true;
+  });
+}
+
+/// The GTK platform with the device profile applied, installed and with the
+/// environment's services connected.
+linux_platform::LinuxPlatform installGtkPlatform(const RunOptions& options, const std::filesystem::path& dataDir,
+                                                 const std::optional<Value>& profile) {
   linux_platform::LinuxPlatformOptions platformOptions;
   platformOptions.dataDirectory = dataDir;
   auto bundle = gtk::makeGtkPlatform(std::move(platformOptions));
-  if (!bundle) return fail("no display to open a window on (set DISPLAY, or run under xvfb-run)");
+  if (!bundle) throw CannotStart("no display to open a window on (set DISPLAY, or run under xvfb-run)");
   auto application = std::dynamic_pointer_cast<gtk::ContainerApplication>(bundle->platform->application);
   if (application) application->setCameraSource(options.cameraSource);
-  // A device profile replaces the services of its sections. Pickers it
-  // scripts are answered from it; the others (left out or "hold") show
-  // their dialogs.
-  std::shared_ptr<sim::SimPickers> pickers;
-  if (profile) {
-    auto loaded = sim::DeviceProfile::load(*profile, *bundle->platform);
-    if (auto* error = std::get_if<std::string>(&loaded)) return fail(options.deviceProfile + ": " + *error);
-    std::get<sim::DeviceProfile>(loaded).installInto(*bundle->platform);
-    pickers = std::get<sim::DeviceProfile>(loaded).pickers();
-  }
-  if (pickers) {
-    pickers->baseDirectory = std::filesystem::absolute(options.deviceProfile).parent_path();
-    if (application) application->setCameraScripted(pickers->camera.action != sim::SimPickers::Action::hold);
-    gtk::setPickerScript([pickers](const std::shared_ptr<ViewController>& presented) {
-      if (!pickers->answers(*presented)) return false;
-      pickers->presented(presented);
-      return true;
-    });
-  }
+  if (profile) applyDeviceProfile(options, *profile, *bundle->platform, application.get());
   installPlatform(bundle->platform);
+  connectEnvironmentServices();
+  return std::move(*bundle);
+}
 
-  // What to open, and the web domains that may call bridges.
+/// What the container opens, and the web domains that may call bridges.
+struct ServedPage {
+  /// Serves the target when it is a directory.
   std::unique_ptr<gtk::DirectoryServer> server;
   std::string url;
-  std::vector<std::string> domains = options.allowDomains;
+  std::vector<std::string> allowedDomains;
+  std::string appId;
+};
+
+ServedPage decideServedPage(const RunOptions& options) {
+  ServedPage page;
+  page.allowedDomains = options.allowDomains;
+  std::error_code ec;
   const bool isDirectory = std::filesystem::is_directory(options.target, ec);
   if (isDirectory) {
     try {
-      server = std::make_unique<gtk::DirectoryServer>(options.target);
+      page.server = std::make_unique<gtk::DirectoryServer>(options.target);
     } catch (const std::exception& e) {
-      return fail(e.what());
+      throw CannotStart(e.what());
     }
-    url = server->origin() + "/" + options.page;
-    domains.push_back("127.0.0.1");
+    page.url = page.server->origin() + "/" + options.page;
+    page.allowedDomains.push_back("127.0.0.1");
   } else {
     auto parsed = Url::parse(options.target);
-    if (!parsed || !parsed->scheme() || !parsed->host()) return fail(options.target + " is neither a directory nor a URL");
-    url = options.target;
-    domains.push_back(*parsed->host());
+    if (!parsed || !parsed->scheme() || !parsed->host()) {
+      throw CannotStart(options.target + " is neither a directory nor a URL");
+    }
+    page.url = options.target;
+    page.allowedDomains.push_back(*parsed->host());
   }
-  if (options.selfTest) url += (url.find('?') == std::string::npos ? "?" : "&") + std::string("selftest=1");
-  Laizaxlu::shared().setupWhiteListWebDomains(domains);
+  if (options.selfTest) page.url += (page.url.find('?') == std::string::npos ? "?" : "&") + std::string("selftest=1");
 
-  std::string appId = options.appId;
-  if (appId.empty()) {
-    appId = isDirectory ? std::filesystem::absolute(options.target).lexically_normal().filename().string() : url;
-    if (appId.empty()) appId = "vantu.run";
+  page.appId = options.appId;
+  if (page.appId.empty()) {
+    page.appId =
+        isDirectory ? std::filesystem::absolute(options.target).lexically_normal().filename().string() : page.url;
+    if (page.appId.empty()) page.appId = "vantu.run";
   }
+  return page;
+}
 
+/// The container with every bridge registered and the call log attached,
+/// made the environment's data provider.
+std::shared_ptr<gtk::ContainerStack> makeContainerStack(const RunOptions& options, AppType appType,
+                                                        const std::string& appId, Clock::time_point start) {
   gtk::ContainerOptions containerOptions;
   containerOptions.uniqueAppId = appId;
-  containerOptions.appType = *appType;
+  containerOptions.appType = appType;
   containerOptions.webView.registry = std::make_shared<BridgeRegistry>();
   registerAllBridges(*containerOptions.webView.registry);
   containerOptions.webView.observer = callLog(start, options.quiet);
   containerOptions.webView.developerExtras = options.inspector;
   auto stack = std::make_shared<gtk::ContainerStack>(containerOptions);
   Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(stack, nullptr, nullptr));
+  return stack;
+}
 
-  fmt::print("vantu-h5 run: {} (app {}, data {}, allowed domains: {})\n", url, appId, dataDir.string(),
-             fmt::join(domains, ", "));
-  std::fflush(stdout);
-  auto first = stack->open(url);
-  if (options.inspector) webkit_web_inspector_show(webkit_web_view_get_inspector(first->webView()->webKitView()));
-
-  bool closed = false;
-  g_signal_connect(stack->window()->gtkWindow(), "close-request", G_CALLBACK(+[](GtkWindow*, gpointer flag) -> gboolean {
+/// Sets `closed` when the user closes the stack's window.
+void watchWindowClose(gtk::ContainerStack& stack, bool& closed) {
+  g_signal_connect(stack.window()->gtkWindow(), "close-request", G_CALLBACK(+[](GtkWindow*, gpointer flag) -> gboolean {
                      *static_cast<bool*>(flag) = true;
                      return FALSE;
                    }),
                    &closed);
+}
+
+int runInteractively(const bool& closed) {
+  gtk::runMainContextUntil([&] { return closed; }, std::chrono::hours(24 * 365));
+  return 0;
+}
+
+/// The self-test: the page reports its outcome in its title. Exit code 0
+/// when it reported "done".
+int runSelfTest(const RunOptions& options, gtk::ContainerStack& stack, const bool& closed, Clock::time_point start) {
   const auto timeout = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(options.timeoutSeconds));
-
-  if (!options.selfTest) {
-    gtk::runMainContextUntil([&] { return closed; }, std::chrono::hours(24 * 365));
-    return 0;
-  }
-
-  // The self-test: the page reports its outcome in its title.
   std::string outcome;
   auto finished = [&] {
-    for (const auto& vc : stack->navigation()->viewControllers()) {
+    for (const auto& vc : stack.navigation()->viewControllers()) {
       auto screen = std::dynamic_pointer_cast<gtk::ContainerScreen>(vc);
       const std::string title = screen ? screen->webView()->title() : "";
       if (title.rfind(kSelfTestPrefix, 0) == 0) {
@@ -180,8 +214,8 @@ int runContainer(const RunOptions& options) {
   };
   const bool ended = gtk::runMainContextUntil(finished, timeout);
   std::optional<std::string> shotError;
-  if (!options.screenshot.empty() && stack->topScreen()) {
-    shotError = stack->topScreen()->webView()->saveSnapshot(options.screenshot, std::chrono::seconds(20));
+  if (!options.screenshot.empty() && stack.topScreen()) {
+    shotError = stack.topScreen()->webView()->saveSnapshot(options.screenshot, std::chrono::seconds(20));
   }
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
   if (!ended || outcome.empty()) outcome = closed ? "failed: the window was closed" : "failed: timed out";
@@ -191,6 +225,40 @@ int runContainer(const RunOptions& options) {
   }
   std::fflush(stdout);
   return outcome == "done" ? 0 : 1;
+}
+
+}  // namespace
+
+int runContainer(const RunOptions& options) {
+  const auto start = Clock::now();
+  // Declared in this order so that the container goes before what it serves
+  // and the platform last.
+  std::optional<linux_platform::LinuxPlatform> platform;
+  ServedPage page;
+  std::shared_ptr<gtk::ContainerStack> stack;
+  std::filesystem::path dataDir;
+  try {
+    auto profile = readDeviceProfile(options);
+    const AppType appType = readAppType(options);
+    dataDir = makeDataDirectory(options);
+    platform = installGtkPlatform(options, dataDir, profile);
+    page = decideServedPage(options);
+    Laizaxlu::shared().setupWhiteListWebDomains(page.allowedDomains);
+    stack = makeContainerStack(options, appType, page.appId, start);
+  } catch (const CannotStart& e) {
+    std::cerr << "vantu-h5 run: " << e.what() << "\n";
+    return 2;
+  }
+
+  fmt::print("vantu-h5 run: {} (app {}, data {}, allowed domains: {})\n", page.url, page.appId, dataDir.string(),
+             fmt::join(page.allowedDomains, ", "));
+  std::fflush(stdout);
+  auto first = stack->open(page.url);
+  if (options.inspector) webkit_web_inspector_show(webkit_web_view_get_inspector(first->webView()->webKitView()));
+
+  bool closed = false;
+  watchWindowClose(*stack, closed);
+  return options.selfTest ? runSelfTest(options, *stack, closed, start) : runInteractively(closed);
 }
 
 }  // namespace vantu::cli

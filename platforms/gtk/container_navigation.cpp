@@ -10,24 +10,22 @@
 namespace vantu::gtk {
 ContainerNavigationBar::ContainerNavigationBar()
     : NavigationBar(Rect{0, 0, 0, 44}),
-      headerBar_(g_object_ref_sink(gtk_header_bar_new())),
+      headerBar_(GTK_WIDGET(g_object_ref_sink(gtk_header_bar_new()))),
       title_(gtk_label_new("")),
       css_(gtk_css_provider_new()) {
-  gtk_header_bar_set_show_title_buttons(GTK_HEADER_BAR(headerBar_), FALSE);
-  gtk_header_bar_set_title_widget(GTK_HEADER_BAR(headerBar_), title_);
+  gtk_header_bar_set_show_title_buttons(GTK_HEADER_BAR(headerBar_.get()), FALSE);
+  gtk_header_bar_set_title_widget(GTK_HEADER_BAR(headerBar_.get()), title_);
   gtk_label_set_ellipsize(GTK_LABEL(title_), PANGO_ELLIPSIZE_END);
   // A class of its own, so each window's bar takes only its own colours.
   static std::atomic<int> bars{0};
   cssClass_ = "vantu-navigation-bar-" + std::to_string(++bars);
-  gtk_widget_add_css_class(headerBar_, cssClass_.c_str());
-  gtk_style_context_add_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(css_),
+  gtk_widget_add_css_class(headerBar_.get(), cssClass_.c_str());
+  gtk_style_context_add_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(css_.get()),
                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
 }
 
 ContainerNavigationBar::~ContainerNavigationBar() {
-  gtk_style_context_remove_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(css_));
-  g_object_unref(css_);
-  g_object_unref(headerBar_);
+  gtk_style_context_remove_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(css_.get()));
 }
 
 void ContainerNavigationBar::setTitle(const std::string& title) { gtk_label_set_text(GTK_LABEL(title_), title.c_str()); }
@@ -35,7 +33,7 @@ void ContainerNavigationBar::setTitle(const std::string& title) { gtk_label_set_
 void ContainerNavigationBar::didChange(Change change) {
   switch (change) {
     case Change::Hidden:
-      gtk_widget_set_visible(headerBar_, !isHidden());
+      gtk_widget_set_visible(headerBar_.get(), !isHidden());
       break;
     case Change::TintColor:
     case Change::BackgroundColor: {
@@ -43,7 +41,7 @@ void ContainerNavigationBar::didChange(Change change) {
       if (tintColor()) css += " color: " + cssColor(*tintColor()) + ";";
       if (backgroundColor()) css += " background: " + cssColor(*backgroundColor()) + ";";
       css += " }";
-      gtk_css_provider_load_from_data(css_, css.c_str(), static_cast<gssize>(css.size()));
+      gtk_css_provider_load_from_data(css_.get(), css.c_str(), static_cast<gssize>(css.size()));
       break;
     }
     default:
@@ -52,7 +50,7 @@ void ContainerNavigationBar::didChange(Change change) {
 }
 
 ContainerNavigationController::ContainerNavigationController()
-    : box_(g_object_ref_sink(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0))),
+    : box_(GTK_WIDGET(g_object_ref_sink(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)))),
       stack_(gtk_stack_new()),
       back_(gtk_button_new_from_icon_name("go-previous-symbolic")) {
   auto bar = std::make_shared<ContainerNavigationBar>();
@@ -65,8 +63,8 @@ ContainerNavigationController::ContainerNavigationController()
                              static_cast<ContainerNavigationController*>(self)->pop();
                            }),
                            this);
-  gtk_box_append(GTK_BOX(box_), bar->widget());
-  gtk_box_append(GTK_BOX(box_), stack_);
+  gtk_box_append(GTK_BOX(box_.get()), bar->widget());
+  gtk_box_append(GTK_BOX(box_.get()), stack_);
 }
 
 ContainerNavigationController::~ContainerNavigationController() {
@@ -74,7 +72,6 @@ ContainerNavigationController::~ContainerNavigationController() {
   for (const auto& child : children()) {
     if (auto screen = std::dynamic_pointer_cast<ContainerScreen>(child)) screen->webView()->setTitleListener({});
   }
-  g_object_unref(box_);
 }
 
 std::shared_ptr<ContainerNavigationBar> ContainerNavigationController::bar() const {

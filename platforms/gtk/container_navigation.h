@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/platform/view_controller.h"
 
 namespace vantu::gtk {
@@ -17,16 +18,16 @@ class ContainerNavigationBar : public NavigationBar {
  public:
   ContainerNavigationBar();
   ~ContainerNavigationBar() override;
-  GtkWidget* widget() const { return headerBar_; }
+  GtkWidget* widget() const { return headerBar_.get(); }
   void setTitle(const std::string& title);
 
  protected:
   void didChange(Change change) override;
 
  private:
-  GtkWidget* headerBar_;
-  GtkWidget* title_;
-  GtkCssProvider* css_;
+  linux_platform::GObjectPtr<GtkWidget> headerBar_;
+  GtkWidget* title_;  // belongs to the header bar
+  linux_platform::GObjectPtr<GtkCssProvider> css_;
   std::string cssClass_;
 };
 
@@ -35,7 +36,7 @@ class ContainerNavigationController : public NavigationController {
   ContainerNavigationController();
   ~ContainerNavigationController() override;
 
-  GtkWidget* widget() const { return box_; }
+  GtkWidget* widget() const { return box_.get(); }
   std::shared_ptr<ContainerNavigationBar> bar() const;
   /// Takes the top screen off the stack (the back button); the bottom one
   /// stays.
@@ -49,7 +50,7 @@ class ContainerNavigationController : public NavigationController {
  private:
   void showTop();
 
-  GtkWidget* box_;
+  linux_platform::GObjectPtr<GtkWidget> box_;  // stack_ and back_ belong to it
   GtkWidget* stack_;
   GtkWidget* back_;
 };

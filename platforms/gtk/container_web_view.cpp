@@ -3,11 +3,17 @@
 #include <glib/gmarkup.h>
 
 #include "platforms/gtk/glib_main_context.h"
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/container/h5_provider_error.h"
 #include "vantu/runtime/js_sdk.h"
 
 namespace vantu::gtk {
 namespace {
+
+using linux_platform::GCharPtr;
+using linux_platform::GErrorPtr;
+using linux_platform::GObjectPtr;
+using linux_platform::outParam;
 
 constexpr const char* kWorld = "vantu";
 constexpr const char* kHandler = "vantuBridge";
@@ -39,47 +45,46 @@ std::shared_ptr<ContainerWebView> ContainerWebView::make(const WebViewConfig& co
 }
 
 ContainerWebView::ContainerWebView(const WebViewConfig& config)
-    : contentManager_(webkit_user_content_manager_new()),
-      bridge_(config.registry, [this](std::string script) {
-        webkit_web_view_evaluate_javascript(webView_, script.data(), static_cast<gssize>(script.size()), nullptr,
-                                            nullptr, nullptr, nullptr, nullptr);
-      }) {
+    : bridge_(config.registry,
+              [this](std::string script) {
+                webkit_web_view_evaluate_javascript(webView_.get(), script.data(), static_cast<gssize>(script.size()),
+                                                    nullptr, nullptr, nullptr, nullptr, nullptr);
+              }),
+      contentManager_(webkit_user_content_manager_new()) {
   bridge_.setObserver(config.observer);
-  webkit_user_content_manager_register_script_message_handler(contentManager_, kHandler, kWorld);
+  webkit_user_content_manager_register_script_message_handler(contentManager_.get(), kHandler, kWorld);
   const std::string sdk(javascriptSdkSource());
-  addScript(contentManager_, sdk.c_str(), nullptr);
-  addScript(contentManager_, kRelay, kWorld);
+  addScript(contentManager_.get(), sdk.c_str(), nullptr);
+  addScript(contentManager_.get(), kRelay, kWorld);
 
-  webView_ = WEBKIT_WEB_VIEW(g_object_new(WEBKIT_TYPE_WEB_VIEW, "user-content-manager", contentManager_, nullptr));
-  g_object_ref_sink(webView_);
+  webView_.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
+      g_object_new(WEBKIT_TYPE_WEB_VIEW, "user-content-manager", contentManager_.get(), nullptr))));
   gtk_widget_set_vexpand(widget(), TRUE);
   gtk_widget_set_hexpand(widget(), TRUE);
-  WebKitSettings* settings = webkit_web_view_get_settings(webView_);
+  WebKitSettings* settings = webkit_web_view_get_settings(webView_.get());
   webkit_settings_set_enable_developer_extras(settings, config.developerExtras);
 
-  g_signal_connect(contentManager_, "script-message-received::vantuBridge", G_CALLBACK(onMessage), this);
-  g_signal_connect(webView_, "decide-policy", G_CALLBACK(onDecidePolicy), this);
-  g_signal_connect(webView_, "load-changed", G_CALLBACK(onLoadChanged), this);
-  g_signal_connect(webView_, "notify::title", G_CALLBACK(onTitle), this);
+  g_signal_connect(contentManager_.get(), "script-message-received::vantuBridge", G_CALLBACK(onMessage), this);
+  g_signal_connect(webView_.get(), "decide-policy", G_CALLBACK(onDecidePolicy), this);
+  g_signal_connect(webView_.get(), "load-changed", G_CALLBACK(onLoadChanged), this);
+  g_signal_connect(webView_.get(), "notify::title", G_CALLBACK(onTitle), this);
 }
 
 ContainerWebView::~ContainerWebView() {
-  g_signal_handlers_disconnect_by_data(contentManager_, this);
-  g_signal_handlers_disconnect_by_data(webView_, this);
-  webkit_user_content_manager_unregister_script_message_handler(contentManager_, kHandler, kWorld);
-  g_object_unref(webView_);
-  g_object_unref(contentManager_);
+  g_signal_handlers_disconnect_by_data(contentManager_.get(), this);
+  g_signal_handlers_disconnect_by_data(webView_.get(), this);
+  webkit_user_content_manager_unregister_script_message_handler(contentManager_.get(), kHandler, kWorld);
 }
 
-void ContainerWebView::load(const std::string& url) { webkit_web_view_load_uri(webView_, url.c_str()); }
+void ContainerWebView::load(const std::string& url) { webkit_web_view_load_uri(webView_.get(), url.c_str()); }
 
 std::string ContainerWebView::uri() const {
-  const char* uri = webkit_web_view_get_uri(webView_);
+  const char* uri = webkit_web_view_get_uri(webView_.get());
   return uri ? uri : "";
 }
 
 std::string ContainerWebView::title() const {
-  const char* title = webkit_web_view_get_title(webView_);
+  const char* title = webkit_web_view_get_title(webView_.get());
   return title ? title : "";
 }
 
@@ -92,17 +97,16 @@ std::optional<std::string> ContainerWebView::saveSnapshot(const std::string& png
   auto pending = std::make_shared<Pending>();
   pending->path = pngPath;
   webkit_web_view_get_snapshot(
-      webView_, WEBKIT_SNAPSHOT_REGION_VISIBLE, WEBKIT_SNAPSHOT_OPTIONS_NONE, nullptr,
+      webView_.get(), WEBKIT_SNAPSHOT_REGION_VISIBLE, WEBKIT_SNAPSHOT_OPTIONS_NONE, nullptr,
       [](GObject* source, GAsyncResult* result, gpointer data) {
         auto* state = static_cast<std::shared_ptr<Pending>*>(data);
-        GError* error = nullptr;
-        GdkTexture* texture = webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(source), result, &error);
+        GErrorPtr error;
+        GObjectPtr<GdkTexture> texture(
+            webkit_web_view_get_snapshot_finish(WEBKIT_WEB_VIEW(source), result, outParam(error)));
         if (!texture) {
           (*state)->error = error ? error->message : "no snapshot";
-          g_clear_error(&error);
-        } else {
-          if (!gdk_texture_save_to_png(texture, (*state)->path.c_str())) (*state)->error = "cannot write " + (*state)->path;
-          g_object_unref(texture);
+        } else if (!gdk_texture_save_to_png(texture.get(), (*state)->path.c_str())) {
+          (*state)->error = "cannot write " + (*state)->path;
         }
         (*state)->finished = true;
         delete state;
@@ -119,11 +123,10 @@ void ContainerWebView::didChange(Change change) {
 void ContainerWebView::onMessage(WebKitUserContentManager*, JSCValue* value, gpointer self) {
   auto* view = static_cast<ContainerWebView*>(self);
   if (!jsc_value_is_string(value)) return;  // the relay sends strings only
-  char* text = jsc_value_to_string(value);
+  GCharPtr text(jsc_value_to_string(value));
   // The handler is reachable from the top frame's isolated world only; the
   // page it belongs to is the web view's current one.
-  view->bridge_.receive(text, page::Origin{true, view->uri()});
-  g_free(text);
+  view->bridge_.receive(text.get(), page::Origin{true, view->uri()});
 }
 
 gboolean ContainerWebView::onDecidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
@@ -147,16 +150,14 @@ gboolean ContainerWebView::onDecidePolicy(WebKitWebView*, WebKitPolicyDecision* 
 void ContainerWebView::refuse(const std::string& url) {
   errorPageFor_ = url;
   const std::string html = refusedPageHtml(url);
-  webkit_web_view_load_alternate_html(webView_, html.c_str(), url.c_str(), nullptr);
+  webkit_web_view_load_alternate_html(webView_.get(), html.c_str(), url.c_str(), nullptr);
 }
 
 std::string ContainerWebView::refusedPageHtml(const std::string& url) {
   const auto error = H5ProviderError::urlDomainWhitelistingError();
   auto escape = [](const std::string& text) {
-    char* escaped = g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size()));
-    std::string result(escaped);
-    g_free(escaped);
-    return result;
+    GCharPtr escaped(g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size())));
+    return std::string(escaped.get());
   };
   return "<!DOCTYPE html><html><head><meta charset=\"utf-8\"><title>" + escape(error.message()) +
          "</title></head><body style=\"font-family:sans-serif;margin:2em\"><h2>" + escape(error.message()) +

@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/view.h"
 #include "vantu/runtime/bridge_registry.h"
@@ -38,8 +39,8 @@ class ContainerWebView : public WebView {
   static std::shared_ptr<ContainerWebView> make(const WebViewConfig& config);
   ~ContainerWebView() override;
 
-  WebKitWebView* webKitView() const { return webView_; }
-  GtkWidget* widget() const { return GTK_WIDGET(webView_); }
+  WebKitWebView* webKitView() const { return webView_.get(); }
+  GtkWidget* widget() const { return GTK_WIDGET(webView_.get()); }
   page::PageBridge& bridge() { return bridge_; }
 
   void load(const std::string& url);
@@ -69,11 +70,12 @@ class ContainerWebView : public WebView {
   static void onTitle(GObject*, GParamSpec*, gpointer self);
   void refuse(const std::string& url);
 
-  WebKitUserContentManager* contentManager_ = nullptr;
-  WebKitWebView* webView_ = nullptr;
   page::PageBridge bridge_;
   std::function<void(const std::string&)> titleListener_;
   std::string errorPageFor_;  // the refused URL whose error page is loading
+  // Last, so they are let go first: the web view, then its content manager.
+  linux_platform::GObjectPtr<WebKitUserContentManager> contentManager_;
+  linux_platform::GObjectPtr<WebKitWebView> webView_;
 };
 
 }  // namespace vantu::gtk

@@ -9,25 +9,20 @@ namespace vantu::gtk {
 
 ContainerWindow::ContainerWindow(int width, int height)
     : Window(Rect{0, 0, static_cast<double>(width), static_cast<double>(height)}),
-      window_(GTK_WINDOW(gtk_window_new())),
+      window_(GTK_WINDOW(g_object_ref(gtk_window_new()))),
       box_(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)),
       strip_(gtk_drawing_area_new()),
       css_(gtk_css_provider_new()) {
-  g_object_ref(window_);
-  gtk_window_set_default_size(window_, width, height);
+  gtk_window_set_default_size(window_.get(), width, height);
   gtk_widget_set_size_request(strip_, -1, kStatusStripHeight);
   gtk_widget_set_visible(strip_, FALSE);
-  gtk_style_context_add_provider(gtk_widget_get_style_context(strip_), GTK_STYLE_PROVIDER(css_),
+  gtk_style_context_add_provider(gtk_widget_get_style_context(strip_), GTK_STYLE_PROVIDER(css_.get()),
                                  GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
   gtk_box_append(GTK_BOX(box_), strip_);
-  gtk_window_set_child(window_, box_);
+  gtk_window_set_child(window_.get(), box_);
 }
 
-ContainerWindow::~ContainerWindow() {
-  gtk_window_destroy(window_);
-  g_object_unref(window_);
-  g_object_unref(css_);
-}
+ContainerWindow::~ContainerWindow() { gtk_window_destroy(window_.get()); }
 
 void ContainerWindow::setNavigationController(std::shared_ptr<ContainerNavigationController> navigation) {
   gtk_box_append(GTK_BOX(box_), navigation->widget());
@@ -45,7 +40,7 @@ void ContainerWindow::mirrorStatusStrip() {
   gtk_widget_set_visible(strip_, strip != nullptr);
   if (!color) return;
   const std::string css = "drawingarea { background: " + cssColor(*color) + "; }";
-  gtk_css_provider_load_from_data(css_, css.c_str(), static_cast<gssize>(css.size()));
+  gtk_css_provider_load_from_data(css_.get(), css.c_str(), static_cast<gssize>(css.size()));
 }
 
 }  // namespace vantu::gtk

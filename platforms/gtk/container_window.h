@@ -21,7 +21,7 @@ class ContainerWindow : public Window {
   ContainerWindow(int width, int height);
   ~ContainerWindow() override;
 
-  GtkWindow* gtkWindow() const { return window_; }
+  GtkWindow* gtkWindow() const { return window_.get(); }
   /// Shows `navigation` as the window's content and root view controller.
   void setNavigationController(std::shared_ptr<ContainerNavigationController> navigation);
   /// Whether the status strip shows (tests).
@@ -33,10 +33,11 @@ class ContainerWindow : public Window {
  private:
   void mirrorStatusStrip();
 
-  GtkWindow* window_;
-  GtkWidget* box_;
+  // A reference of our own: GTK owns toplevel windows.
+  linux_platform::GObjectPtr<GtkWindow> window_;
+  GtkWidget* box_;  // box_ and strip_ belong to the window
   GtkWidget* strip_;
-  GtkCssProvider* css_;
+  linux_platform::GObjectPtr<GtkCssProvider> css_;
 };
 
 }  // namespace vantu::gtk

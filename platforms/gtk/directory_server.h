@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "platforms/linux/gobject_ptr.h"
+
 typedef struct _SoupServer SoupServer;
 
 namespace vantu::gtk {
@@ -24,7 +26,7 @@ class DirectoryServer {
 
  private:
   std::filesystem::path root_;
-  SoupServer* server_ = nullptr;
+  linux_platform::GObjectPtr<SoupServer> server_;
   std::string origin_;
 };
 

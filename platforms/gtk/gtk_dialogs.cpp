@@ -8,6 +8,7 @@
 #include "platforms/gtk/container_window.h"
 #include "platforms/gtk/gtk_dialog_parts.h"
 #include "platforms/gtk/gtk_pickers.h"
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/platform/activity_view_controller.h"
 #include "vantu/platform/alert_controller.h"
 #include "vantu/platform/document_picker_controller.h"
@@ -146,15 +147,14 @@ std::string saveImage(const Image& image) {
   if (width <= 0 || height <= 0 || image.bytes.size() != static_cast<std::size_t>(width) * height * 4) {
     return "The image cannot be saved.";
   }
-  GBytes* bytes = g_bytes_new(image.bytes.data(), image.bytes.size());
-  GdkTexture* texture = gdk_memory_texture_new(width, height, GDK_MEMORY_R8G8B8A8, bytes, width * 4);
-  g_bytes_unref(bytes);
+  linux_platform::GBytesPtr bytes(g_bytes_new(image.bytes.data(), image.bytes.size()));
+  linux_platform::GObjectPtr<GdkTexture> texture(
+      gdk_memory_texture_new(width, height, GDK_MEMORY_R8G8B8A8, bytes.get(), width * 4));
   const auto stamp = std::chrono::system_clock::now().time_since_epoch() / std::chrono::milliseconds(1);
   std::error_code ec;
   std::filesystem::create_directories(picturesFolder(), ec);
   const auto path = picturesFolder() / ("vantu-share-" + std::to_string(stamp) + ".png");
-  const bool saved = gdk_texture_save_to_png(texture, path.c_str());
-  g_object_unref(texture);
+  const bool saved = gdk_texture_save_to_png(texture.get(), path.c_str());
   return saved ? "Saved to " + path.string() : "Could not write " + path.string();
 }
 

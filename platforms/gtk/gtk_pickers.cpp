@@ -5,6 +5,7 @@
 
 #include "platforms/gtk/container_application.h"
 #include "platforms/gtk/gtk_dialog_parts.h"
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/core/diagnostics.h"
 #include "vantu/core/file_url.h"
 #include "vantu/core/image_decoder.h"
@@ -18,6 +19,10 @@
 
 namespace vantu::gtk {
 namespace {
+
+using linux_platform::GBytesPtr;
+using linux_platform::GCharPtr;
+using linux_platform::GObjectPtr;
 
 // The queue that reads and decodes picked pictures, made on first use.
 const std::shared_ptr<SerialQueue>& decodingQueue() {
@@ -50,27 +55,22 @@ void onResponse(GtkFileChooser* chooser, Response response) {
 }
 
 std::string localPath(GFile* file) {
-  char* path = g_file_get_path(file);
-  std::string out = path ? path : "";
-  g_free(path);
-  return out;
+  GCharPtr path(g_file_get_path(file));
+  return path ? path.get() : "";
 }
 
 void showLibraryPicker(const std::shared_ptr<ImagePickerController>& picker) {
-  GtkFileFilter* filter = gtk_file_filter_new();
-  gtk_file_filter_set_name(filter, "Pictures");
-  gtk_file_filter_add_mime_type(filter, "image/*");
-  GtkFileChooser* chooser = fileChooser("Choose a picture", filter);
-  g_object_unref(filter);
+  GObjectPtr<GtkFileFilter> filter(gtk_file_filter_new());
+  gtk_file_filter_set_name(filter.get(), "Pictures");
+  gtk_file_filter_add_mime_type(filter.get(), "image/*");
+  GtkFileChooser* chooser = fileChooser("Choose a picture", filter.get());
   if (const char* pictures = g_get_user_special_dir(G_USER_DIRECTORY_PICTURES)) {
-    GFile* folder = g_file_new_for_path(pictures);
-    gtk_file_chooser_set_current_folder(chooser, folder, nullptr);
-    g_object_unref(folder);
+    GObjectPtr<GFile> folder(g_file_new_for_path(pictures));
+    gtk_file_chooser_set_current_folder(chooser, folder.get(), nullptr);
   }
   onResponse(chooser, [weak = std::weak_ptr<ImagePickerController>(picker)](GtkFileChooser* dialog, bool accepted) {
-    GFile* file = accepted ? gtk_file_chooser_get_file(dialog) : nullptr;
-    const std::string path = file ? localPath(file) : "";
-    if (file) g_object_unref(file);
+    GObjectPtr<GFile> file(accepted ? gtk_file_chooser_get_file(dialog) : nullptr);
+    const std::string path = file ? localPath(file.get()) : "";
     if (path.empty()) {
       if (auto p = weak.lock()) p->cancel();
       return;
@@ -116,7 +116,7 @@ const std::vector<TypeMapping>& typeMappings() {
 }
 
 // The filter for `types`, or nullptr to show every file.
-GtkFileFilter* documentFilter(const std::vector<std::string>& types) {
+GObjectPtr<GtkFileFilter> documentFilter(const std::vector<std::string>& types) {
   std::vector<const char*> mimeTypes;
   for (const auto& type : types) {
     for (const auto& mapping : typeMappings()) {
@@ -126,27 +126,24 @@ GtkFileFilter* documentFilter(const std::vector<std::string>& types) {
     }
   }
   if (mimeTypes.empty()) return nullptr;
-  GtkFileFilter* filter = gtk_file_filter_new();
-  gtk_file_filter_set_name(filter, "Documents");
-  for (const char* mime : mimeTypes) gtk_file_filter_add_mime_type(filter, mime);
+  GObjectPtr<GtkFileFilter> filter(gtk_file_filter_new());
+  gtk_file_filter_set_name(filter.get(), "Documents");
+  for (const char* mime : mimeTypes) gtk_file_filter_add_mime_type(filter.get(), mime);
   return filter;
 }
 
 void showDocumentPicker(const std::shared_ptr<DocumentPickerController>& picker) {
-  GtkFileFilter* filter = documentFilter(picker->documentTypes());
-  GtkFileChooser* chooser = fileChooser(picker->allowsMultipleSelection() ? "Choose files" : "Choose a file", filter);
-  if (filter) g_object_unref(filter);
+  GtkFileChooser* chooser = fileChooser(picker->allowsMultipleSelection() ? "Choose files" : "Choose a file",
+                                        documentFilter(picker->documentTypes()).get());
   gtk_file_chooser_set_select_multiple(chooser, picker->allowsMultipleSelection());
   onResponse(chooser, [weak = std::weak_ptr<DocumentPickerController>(picker)](GtkFileChooser* dialog, bool accepted) {
     std::vector<std::string> urls;
     if (accepted) {
-      GListModel* files = gtk_file_chooser_get_files(dialog);
-      for (guint i = 0; i < g_list_model_get_n_items(files); ++i) {
-        auto* file = G_FILE(g_list_model_get_item(files, i));
-        if (auto path = localPath(file); !path.empty()) urls.push_back(fileUrlFromPath(path));
-        g_object_unref(file);
+      GObjectPtr<GListModel> files(gtk_file_chooser_get_files(dialog));
+      for (guint i = 0; i < g_list_model_get_n_items(files.get()); ++i) {
+        GObjectPtr<GFile> file(G_FILE(g_list_model_get_item(files.get(), i)));
+        if (auto path = localPath(file.get()); !path.empty()) urls.push_back(fileUrlFromPath(path));
       }
-      g_object_unref(files);
     }
     auto p = weak.lock();
     if (!p) return;
@@ -161,17 +158,15 @@ void showDocumentPicker(const std::shared_ptr<DocumentPickerController>& picker)
 }
 
 #ifdef VANTU_HAVE_CAMERA
-GdkTexture* textureOf(const std::shared_ptr<const Image>& image) {
+GObjectPtr<GdkTexture> textureOf(const std::shared_ptr<const Image>& image) {
   // The texture reads the image's pixels in place and holds the image.
   auto* holder = new std::shared_ptr<const Image>(image);
-  GBytes* bytes = g_bytes_new_with_free_func(image->bytes.data(), image->bytes.size(),
-                                             [](gpointer data) { delete static_cast<std::shared_ptr<const Image>*>(data); },
-                                             holder);
+  GBytesPtr bytes(g_bytes_new_with_free_func(
+      image->bytes.data(), image->bytes.size(),
+      [](gpointer data) { delete static_cast<std::shared_ptr<const Image>*>(data); }, holder));
   const int width = static_cast<int>(image->size.width);
-  GdkTexture* texture = gdk_memory_texture_new(width, static_cast<int>(image->size.height), GDK_MEMORY_R8G8B8A8, bytes,
-                                               static_cast<gsize>(width) * 4);
-  g_bytes_unref(bytes);
-  return texture;
+  return GObjectPtr<GdkTexture>(gdk_memory_texture_new(width, static_cast<int>(image->size.height),
+                                                       GDK_MEMORY_R8G8B8A8, bytes.get(), static_cast<gsize>(width) * 4));
 }
 
 void showCameraPicker(const std::shared_ptr<ImagePickerController>& picker) {
@@ -212,9 +207,8 @@ void showCameraPicker(const std::shared_ptr<ImagePickerController>& picker) {
     *session = std::make_shared<camera::CameraSession>(
         platform().dispatch, source,
         [preview, status, take](const std::shared_ptr<const Image>& frame) {
-          GdkTexture* texture = textureOf(frame);
-          gtk_picture_set_paintable(GTK_PICTURE(preview), GDK_PAINTABLE(texture));
-          g_object_unref(texture);
+          auto texture = textureOf(frame);
+          gtk_picture_set_paintable(GTK_PICTURE(preview), GDK_PAINTABLE(texture.get()));
           gtk_widget_set_visible(status, FALSE);
           gtk_widget_set_sensitive(take, TRUE);
         },

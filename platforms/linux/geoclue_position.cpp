@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "platforms/linux/gobject_ptr.h"
 #include "vantu/core/diagnostics.h"
 
 namespace vantu::linux_platform {
@@ -18,22 +19,16 @@ constexpr const char* kClientInterface = "org.freedesktop.GeoClue2.Client";
 struct GeocluePosition::Shared {
   GeocluePositionOptions options;
   std::weak_ptr<Shared> self;
-  GCancellable* cancellable = g_cancellable_new();
-  GDBusConnection* connection = nullptr;
-  GClueManager* manager = nullptr;
-  GClueClient* client = nullptr;
+  // Given back in the reverse order: client, manager, connection, cancellable.
+  GObjectPtr<GCancellable> cancellable{g_cancellable_new()};
+  GObjectPtr<GDBusConnection> connection;
+  GObjectPtr<GClueManager> manager;
+  GObjectPtr<GClueClient> client;
   gulong updatedHandler = 0;
 
   mutable std::mutex mutex;
   std::optional<Coordinate> last;
   State state = State::Starting;
-
-  ~Shared() {
-    for (gpointer object : {static_cast<gpointer>(client), static_cast<gpointer>(manager),
-                            static_cast<gpointer>(connection), static_cast<gpointer>(cancellable)}) {
-      if (object) g_object_unref(object);
-    }
-  }
 
   void setState(State next) {
     std::lock_guard lock(mutex);
@@ -74,87 +69,79 @@ void resume(GObject*, GAsyncResult* result, gpointer data) {
 
 /// True when the step can go on; reports the failure otherwise. Once the
 /// source is destroyed (cancelled) nothing goes on and nothing is reported.
-bool succeeded(Shared& shared, const char* step, GError* error) {
-  if (!error) return !g_cancellable_is_cancelled(shared.cancellable);
-  if (!g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED)) shared.fail(step, error);
-  g_error_free(error);
+bool succeeded(Shared& shared, const char* step, const GErrorPtr& error) {
+  if (!error) return !g_cancellable_is_cancelled(shared.cancellable.get());
+  if (!g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_CANCELLED)) shared.fail(step, error.get());
   return false;
 }
 
 void locationLoaded(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  GClueLocation* location = gclue_location_proxy_new_finish(result, &error);
-  if (!succeeded(shared, "reading the location", error)) {
-    if (location) g_object_unref(location);
-    return;
-  }
-  GVariant* latitude = g_dbus_proxy_get_cached_property(G_DBUS_PROXY(location), "Latitude");
-  GVariant* longitude = g_dbus_proxy_get_cached_property(G_DBUS_PROXY(location), "Longitude");
-  if (latitude && longitude && g_variant_is_of_type(latitude, G_VARIANT_TYPE_DOUBLE) &&
-      g_variant_is_of_type(longitude, G_VARIANT_TYPE_DOUBLE)) {
+  GErrorPtr error;
+  GObjectPtr<GClueLocation> location(gclue_location_proxy_new_finish(result, outParam(error)));
+  if (!succeeded(shared, "reading the location", error)) return;
+  GVariantPtr latitude(g_dbus_proxy_get_cached_property(G_DBUS_PROXY(location.get()), "Latitude"));
+  GVariantPtr longitude(g_dbus_proxy_get_cached_property(G_DBUS_PROXY(location.get()), "Longitude"));
+  if (latitude && longitude && g_variant_is_of_type(latitude.get(), G_VARIANT_TYPE_DOUBLE) &&
+      g_variant_is_of_type(longitude.get(), G_VARIANT_TYPE_DOUBLE)) {
     std::lock_guard lock(shared.mutex);
-    shared.last = Coordinate{g_variant_get_double(latitude), g_variant_get_double(longitude)};
+    shared.last = Coordinate{g_variant_get_double(latitude.get()), g_variant_get_double(longitude.get())};
   }
-  if (latitude) g_variant_unref(latitude);
-  if (longitude) g_variant_unref(longitude);
-  g_object_unref(location);
 }
 
 // Connected while the state lives (the source disconnects it first).
 void locationUpdated(GClueClient*, const gchar*, const gchar* path, gpointer data) {
   auto& shared = *static_cast<Shared*>(data);
-  gclue_location_proxy_new(shared.connection, G_DBUS_PROXY_FLAGS_NONE, kService, path, shared.cancellable, resume,
-                           pending(shared, locationLoaded));
+  gclue_location_proxy_new(shared.connection.get(), G_DBUS_PROXY_FLAGS_NONE, kService, path,
+                           shared.cancellable.get(), resume, pending(shared, locationLoaded));
 }
 
 void clientStarted(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  gclue_client_call_start_finish(shared.client, result, &error);
+  GErrorPtr error;
+  gclue_client_call_start_finish(shared.client.get(), result, outParam(error));
   if (succeeded(shared, "starting the client", error)) shared.setState(GeocluePosition::State::Running);
 }
 
 /// Sets one property of the client; calls on the connection are delivered
 /// in order, so both land before Start.
 void setClientProperty(Shared& shared, const char* name, GVariant* value) {
-  g_dbus_proxy_call(G_DBUS_PROXY(shared.client), "org.freedesktop.DBus.Properties.Set",
+  g_dbus_proxy_call(G_DBUS_PROXY(shared.client.get()), "org.freedesktop.DBus.Properties.Set",
                     g_variant_new("(ssv)", kClientInterface, name, value), G_DBUS_CALL_FLAGS_NONE, -1,
-                    shared.cancellable, nullptr, nullptr);
+                    shared.cancellable.get(), nullptr, nullptr);
 }
 
 void clientMade(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  shared.client = gclue_client_proxy_new_finish(result, &error);
+  GErrorPtr error;
+  shared.client.reset(gclue_client_proxy_new_finish(result, outParam(error)));
   if (!succeeded(shared, "opening the client", error)) return;
   setClientProperty(shared, "DesktopId", g_variant_new_string(shared.options.desktopId.c_str()));
   setClientProperty(shared, "RequestedAccuracyLevel", g_variant_new_uint32(GCLUE_ACCURACY_LEVEL_EXACT));
-  shared.updatedHandler = g_signal_connect(shared.client, "location-updated", G_CALLBACK(locationUpdated), &shared);
-  gclue_client_call_start(shared.client, shared.cancellable, resume, pending(shared, clientStarted));
+  shared.updatedHandler =
+      g_signal_connect(shared.client.get(), "location-updated", G_CALLBACK(locationUpdated), &shared);
+  gclue_client_call_start(shared.client.get(), shared.cancellable.get(), resume, pending(shared, clientStarted));
 }
 
 void clientGiven(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  gchar* path = nullptr;
-  gclue_manager_call_get_client_finish(shared.manager, &path, result, &error);
-  if (succeeded(shared, "asking for a client", error)) {
-    gclue_client_proxy_new(shared.connection, G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES, kService, path,
-                           shared.cancellable, resume, pending(shared, clientMade));
-  }
-  g_free(path);
+  GErrorPtr error;
+  GCharPtr path;
+  gclue_manager_call_get_client_finish(shared.manager.get(), outParam(path), result, outParam(error));
+  if (!succeeded(shared, "asking for a client", error)) return;
+  gclue_client_proxy_new(shared.connection.get(), G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES, kService, path.get(),
+                         shared.cancellable.get(), resume, pending(shared, clientMade));
 }
 
 void managerMade(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  shared.manager = gclue_manager_proxy_new_finish(result, &error);
+  GErrorPtr error;
+  shared.manager.reset(gclue_manager_proxy_new_finish(result, outParam(error)));
   if (!succeeded(shared, "reaching the manager", error)) return;
-  gclue_manager_call_get_client(shared.manager, shared.cancellable, resume, pending(shared, clientGiven));
+  gclue_manager_call_get_client(shared.manager.get(), shared.cancellable.get(), resume, pending(shared, clientGiven));
 }
 
 void connected(Shared& shared, GAsyncResult* result) {
-  GError* error = nullptr;
-  shared.connection = g_dbus_connection_new_for_address_finish(result, &error);
+  GErrorPtr error;
+  shared.connection.reset(g_dbus_connection_new_for_address_finish(result, outParam(error)));
   if (!succeeded(shared, "connecting to the system bus", error)) return;
-  gclue_manager_proxy_new(shared.connection, G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES, kService, kManagerPath,
-                          shared.cancellable, resume, pending(shared, managerMade));
+  gclue_manager_proxy_new(shared.connection.get(), G_DBUS_PROXY_FLAGS_DO_NOT_LOAD_PROPERTIES, kService, kManagerPath,
+                          shared.cancellable.get(), resume, pending(shared, managerMade));
 }
 
 }  // namespace
@@ -164,31 +151,29 @@ GeocluePosition::GeocluePosition(GeocluePositionOptions options) : shared_(std::
   shared_->self = shared_;
   std::string address = shared_->options.busAddress;
   if (address.empty()) {
-    GError* error = nullptr;
-    gchar* system = g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, &error);
+    GErrorPtr error;
+    GCharPtr system(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, outParam(error)));
     if (!system) {
-      shared_->fail("finding the system bus", error);
-      g_clear_error(&error);
+      shared_->fail("finding the system bus", error.get());
       return;
     }
-    address = system;
-    g_free(system);
+    address = system.get();
   }
   // A connection of its own: the shared system-bus connection would end the
   // process when the bus goes away.
   g_dbus_connection_new_for_address(address.c_str(),
                                     static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                                       G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-                                    nullptr, shared_->cancellable, resume, pending(*shared_, connected));
+                                    nullptr, shared_->cancellable.get(), resume, pending(*shared_, connected));
 }
 
 GeocluePosition::~GeocluePosition() {
-  g_cancellable_cancel(shared_->cancellable);
+  g_cancellable_cancel(shared_->cancellable.get());
   if (shared_->client) {
-    g_signal_handler_disconnect(shared_->client, shared_->updatedHandler);
+    g_signal_handler_disconnect(shared_->client.get(), shared_->updatedHandler);
     if (state() == State::Running) {
-      g_dbus_proxy_call(G_DBUS_PROXY(shared_->client), "Stop", nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr,
-                        nullptr);
+      g_dbus_proxy_call(G_DBUS_PROXY(shared_->client.get()), "Stop", nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr,
+                        nullptr, nullptr);
     }
   }
 }

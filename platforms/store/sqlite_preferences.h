@@ -1,16 +1,20 @@
 #pragma once
 // The preferences port on SQLite: one database file under a data directory,
 // in WAL mode. Every port operation is one transaction. Writes commit with
-// synchronous=NORMAL (a committed write survives a crash of the process);
-// `synchronize` makes them survive a power loss too, by committing a tiny
-// marker with synchronous=FULL, which syncs the whole write-ahead log.
+// synchronous=NORMAL: a committed write is in the write-ahead log and
+// survives a crash of the process. `synchronize` makes everything written
+// before it survive a power loss too: it syncs the log file itself, through
+// the handle SQLite gives out (SQLITE_FCNTL_JOURNAL_POINTER), with no
+// transaction of its own, and returns at once when nothing was written
+// through this store since its last sync.
 //
-// Schema (format 1):
+// Schema (format 1, in PRAGMA user_version):
 //   suites(id INTEGER PRIMARY KEY, name TEXT UNIQUE)
 //   entries(suite_id, key, kind, value), PRIMARY KEY (suite_id, key),
 //     WITHOUT ROWID: the table is its own index on (suite, key), so one
 //     suite's keys are one range scan and nothing is loaded up front.
-//   meta(key PRIMARY KEY, value): the synchronize marker.
+//     Lists and maps are kept in `value` as preference_value_codec.h encodes
+//     them.
 // The standard suite is the suite row named "" (a name no caller may use).
 //
 // A database that cannot be opened or is damaged never crashes the caller:
@@ -62,14 +66,5 @@ class SqlitePreferences : public Preferences {
  private:
   std::shared_ptr<Database> db_;
 };
-
-/// The encoding of list and map values in the `value` column (exposed for
-/// tests). Tag byte, then: nothing (null, true, false), 8 bytes little-endian
-/// (int, double bits, date bits), a varint length and bytes (string, bytes),
-/// a varint count and items (list), or a varint count and (key, value)
-/// pairs (map).
-std::string encodePreferenceValue(const PreferenceValue& value);
-/// nullopt for bytes that are not a whole, well-formed encoding.
-std::optional<PreferenceValue> decodePreferenceValue(std::string_view bytes);
 
 }  // namespace vantu::store

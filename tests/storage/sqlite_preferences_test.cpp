@@ -8,6 +8,7 @@
 #include <fstream>
 #include <limits>
 
+#include "platforms/store/preference_value_codec.h"
 #include "platforms/store/sqlite_preferences.h"
 
 namespace vantu::store {
