@@ -18,12 +18,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 
 #include "vantu/platform/dispatch.h"
 #include "vantu/platform/notification_center.h"
 #include "vantu/platform/object.h"
 #include "vantu/platform/reachability.h"
+#include "vantu/value/result.h"
 
 namespace vantu {
 
@@ -78,17 +78,7 @@ std::string describeFlags(std::optional<ReachabilityFlags> flags, bool isRunning
 class H5Reachability;
 
 /// Either a monitor or the reason it could not be made; `ok()` tells which.
-class ReachabilityResult {
- public:
-  ReachabilityResult(std::shared_ptr<H5Reachability> r) : r_(std::move(r)) {}  // NOLINT(google-explicit-constructor)
-  ReachabilityResult(ReachabilityError e) : r_(std::move(e)) {}                // NOLINT(google-explicit-constructor)
-  bool ok() const { return r_.index() == 0; }
-  const std::shared_ptr<H5Reachability>& value() const { return std::get<0>(r_); }
-  const ReachabilityError& error() const { return std::get<1>(r_); }
-
- private:
-  std::variant<std::shared_ptr<H5Reachability>, ReachabilityError> r_;
-};
+using ReachabilityResult = Result<std::shared_ptr<H5Reachability>, ReachabilityError>;
 
 class H5Reachability : public Object, public std::enable_shared_from_this<H5Reachability> {
  public:

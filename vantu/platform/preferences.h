@@ -18,6 +18,7 @@
 #include <variant>
 #include <vector>
 
+#include "vantu/value/result.h"
 #include "vantu/value/value.h"
 
 namespace vantu {
@@ -83,18 +84,7 @@ struct PreferenceError {
 
 /// A value or the reason there is none.
 template <class T>
-class PreferenceResult {
- public:
-  PreferenceResult(T value) : r_(std::move(value)) {}               // NOLINT
-  PreferenceResult(PreferenceError error) : r_(std::move(error)) {}  // NOLINT
-  bool ok() const { return r_.index() == 0; }
-  const T& value() const { return std::get<0>(r_); }
-  T& value() { return std::get<0>(r_); }
-  const PreferenceError& error() const { return std::get<1>(r_); }
-
- private:
-  std::variant<T, PreferenceError> r_;
-};
+using PreferenceResult = Result<T, PreferenceError>;
 
 /// Success (nothing to hand back) or the reason of the failure.
 using PreferenceStatus = PreferenceResult<std::monostate>;

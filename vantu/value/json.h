@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 
+#include "vantu/value/result.h"
 #include "vantu/value/value.h"
 
 namespace vantu::json {
@@ -17,18 +17,7 @@ struct JsonError {
 };
 
 /// Either the parsed value or an error; `ok()` tells which.
-class ParseResult {
- public:
-  ParseResult(Value v) : r_(std::move(v)) {}      // NOLINT(google-explicit-constructor)
-  ParseResult(JsonError e) : r_(std::move(e)) {}  // NOLINT(google-explicit-constructor)
-  bool ok() const { return r_.index() == 0; }
-  const Value& value() const { return std::get<0>(r_); }
-  Value& value() { return std::get<0>(r_); }
-  const JsonError& error() const { return std::get<1>(r_); }
-
- private:
-  std::variant<Value, JsonError> r_;
-};
+using ParseResult = Result<Value, JsonError>;
 
 /// Maximum nesting depth accepted by `parse`.
 inline constexpr std::size_t kMaxDepth = 512;
