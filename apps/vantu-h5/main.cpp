@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <string>
 
 #include "platforms/sim/headless_runner.h"
+#include "platforms/sim/scenario.h"
 #ifdef VANTU_HAVE_GTK
 #include "apps/vantu-h5/run_command.h"
 #endif
@@ -14,6 +16,16 @@
 #include "vantu/value/json.h"
 
 namespace {
+
+// The line commands, one per line with an example, for `call --help`.
+std::string lineCommandsHelp() {
+  std::string help = "\nEach input line is one JSON object holding one of these commands (docs/runner-protocol.md):\n";
+  for (const auto& command : vantu::sim::HeadlessRunner::lineCommands()) {
+    help += "  " + command.key + std::string(command.key.size() < 22 ? 22 - command.key.size() : 1, ' ') +
+            command.example + "\n";
+  }
+  return help;
+}
 
 std::string versionText() {
   return std::string("vantu-h5 ") + VANTU_VERSION + " (bridge SDK " + std::string(vantu::VersionUtil::kSDKVersion) + ")";
@@ -32,6 +44,12 @@ int runCall(const std::string& scenarioPath, const std::string& dataDir, double 
       return 2;
     }
     scenario = std::move(parsed->value());
+    // A file is written by hand: name every section it may hold.
+    if (auto unknown = vantu::sim::unknownScenarioSection(scenario)) {
+      std::cerr << "vantu-h5: scenario " << scenarioPath << ": unknown scenario section \"" << *unknown
+                << "\" (a scenario holds " << vantu::sim::scenarioSectionNames() << ")\n";
+      return 2;
+    }
   }
   if (!dataDir.empty()) {
     std::error_code ec;
@@ -77,6 +95,7 @@ int main(int argc, char** argv) {
   call->add_option("--data-dir", dataDir, "Directory for persisted data (created if missing)");
   call->add_option("--settle-timeout", settleSeconds, "Seconds to wait for real I/O a call started")
       ->check(CLI::Range(0.0, 3600.0));
+  call->footer(lineCommandsHelp());
 
 #ifdef VANTU_HAVE_GTK
   vantu::cli::RunOptions run;
@@ -100,7 +119,13 @@ int main(int argc, char** argv) {
   runCommand->add_flag("--quiet", run.quiet, "Do not print the bridge-call log");
 #endif
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // Help and version end with 0; every refused option or file, including a
+    // missing scenario or device profile, with 2.
+    return app.exit(e) == 0 ? 0 : 2;
+  }
   if (call->parsed()) return runCall(scenarioPath, dataDir, settleSeconds);
 #ifdef VANTU_HAVE_GTK
   if (runCommand->parsed()) return vantu::cli::runContainer(run);

@@ -9,9 +9,16 @@
 namespace vantu::sim {
 namespace {
 
+// The longest step: a billion seconds (about 31 years) keeps every virtual
+// time point far inside the clock's range.
+constexpr double kMaxAdvanceSeconds = 1e9;
+
 std::optional<std::string> advanceCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
   auto seconds = line.getNumber("advance");
-  if (!seconds || *seconds < 0 || *seconds > 1e9) return std::string("\"advance\" must be a number of seconds >= 0");
+  if (!seconds || *seconds < 0) return std::string("\"advance\" must be a number of seconds >= 0");
+  if (*seconds > kMaxAdvanceSeconds) {
+    return std::string("\"advance\" must be a number of seconds from 0 to 1000000000");
+  }
   runner.device().dispatch().advance(secondsToDuration(*seconds));
   out.set("advanced", *seconds);
   out.set("settled", runner.settle());
@@ -35,12 +42,20 @@ Array toArray(std::vector<Dict> items) {
 
 }  // namespace
 
+std::vector<HeadlessRunner::LineCommand> HeadlessRunner::lineCommands() {
+  std::vector<LineCommand> commands{
+      {"bridge", R"({"bridge": "vantuGetData", "data": {"keys": ["a"]}, "screen": "shop"})",
+       [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.call(line, out); }},
+      {"advance", R"({"advance": 0.25})", advanceCommand},
+      {"scenario", R"({"scenario": {"defaultScreen": "other"}})", scenarioCommand},
+  };
+  for (auto& command : familyRunnerCommands()) commands.push_back(std::move(command));
+  return commands;
+}
+
 HeadlessRunner::HeadlessRunner(SimDevice& device, RunnerOptions options) : device_(device), options_(options) {
   registerAllBridges(registry_);
-  addCommand("bridge", [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.call(line, out); });
-  addCommand("advance", advanceCommand);
-  addCommand("scenario", scenarioCommand);
-  for (auto& [key, command] : familyRunnerCommands()) addCommand(std::move(key), std::move(command));
+  for (auto& command : lineCommands()) addCommand(std::move(command.key), std::move(command.handle));
 }
 
 void HeadlessRunner::addCommand(std::string key, Command command) { commands_.emplace_back(std::move(key), std::move(command)); }

@@ -28,6 +28,15 @@ class HeadlessRunner {
   /// A command: handles one input line whose object has the command's key,
   /// filling `out`; returns the reason when the line is bad.
   using Command = std::function<std::optional<std::string>(HeadlessRunner&, const Dict& line, Dict& out)>;
+  /// A command with the key that selects it and an example line (for help texts).
+  struct LineCommand {
+    std::string key;
+    std::string example;
+    Command handle;
+  };
+
+  /// Every command a line may hold, in the order they are looked for.
+  static std::vector<LineCommand> lineCommands();
 
   HeadlessRunner(SimDevice& device, RunnerOptions options = {});
 

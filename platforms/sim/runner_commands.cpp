@@ -127,12 +127,16 @@ std::optional<std::string> answerAuthenticationCommand(HeadlessRunner& runner, c
 
 }  // namespace
 
-std::vector<std::pair<std::string, HeadlessRunner::Command>> familyRunnerCommands() {
-  return {{"tap", tapCommand}, {"closeShareSheet", closeShareSheetCommand},
-          {"keyboard", keyboardCommand}, {"answerPrompt", answerPromptCommand},
-          {"answerAuthentication", answerAuthenticationCommand},
-          {"pickImage", pickImageCommand}, {"pickDocuments", pickDocumentsCommand},
-          {"cancelPicker", cancelPickerCommand}};
+std::vector<HeadlessRunner::LineCommand> familyRunnerCommands() {
+  return {{"tap", R"({"tap": {"button": "Ok"}})", tapCommand},
+          {"closeShareSheet", R"({"closeShareSheet": {}})", closeShareSheetCommand},
+          {"keyboard", R"({"keyboard": "show", "scrollTo": {"view": "shop.web.scrollView", "offset": [0, 320]}})",
+           keyboardCommand},
+          {"answerPrompt", R"({"answerPrompt": {"resource": "camera", "state": "denied"}})", answerPromptCommand},
+          {"answerAuthentication", R"({"answerAuthentication": {"success": true}})", answerAuthenticationCommand},
+          {"pickImage", R"({"pickImage": "files/photo.png"})", pickImageCommand},
+          {"pickDocuments", R"({"pickDocuments": ["files/a.pdf"]})", pickDocumentsCommand},
+          {"cancelPicker", R"({"cancelPicker": {}})", cancelPickerCommand}};
 }
 
 }  // namespace vantu::sim

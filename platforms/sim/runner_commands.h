@@ -4,14 +4,12 @@
 // and "scenario". A family that needs one adds it to the list in
 // runner_commands.cpp.
 
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "platforms/sim/headless_runner.h"
 
 namespace vantu::sim {
 
-std::vector<std::pair<std::string, HeadlessRunner::Command>> familyRunnerCommands();
+std::vector<HeadlessRunner::LineCommand> familyRunnerCommands();
 
 }  // namespace vantu::sim

@@ -35,6 +35,11 @@ const std::vector<ScenarioSection>& scenarioSections();
 /// Applies the sections present in `scenario`, in section order.
 std::optional<std::string> applyScenario(SimDevice& device, const Value& scenario);
 
+/// The first key of the object `scenario` that names no section, if any.
+std::optional<std::string> unknownScenarioSection(const Value& scenario);
+/// Every section's name, quoted, for messages: "\"app\", ... and \"defaultScreen\"".
+std::string scenarioSectionNames();
+
 // Loaders of the basic sections (scenario_basics.cpp).
 std::optional<std::string> loadAppSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadObjectsSection(SimDevice& device, const Value& value);

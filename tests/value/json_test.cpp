@@ -78,6 +78,41 @@ TEST(JsonParseTest, RefusesMalformedTextWithAReason) {
   }
 }
 
+// A refusal names the fault in the reader's terms and where it is (1-based
+// line and column; columns count characters).
+TEST(JsonParseTest, RefusalsSayWhatAndWhere) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"{}}", "unexpected text after the JSON value at line 1, column 3"},
+      {"{\n  \"a\": 1\n}\n}\n", "unexpected text after the JSON value at line 4, column 1"},
+      {"[1]x", "unexpected text after the JSON value at line 1, column 4"},
+      {"1 2", "unexpected text after the JSON value at line 1, column 3"},
+      {"[1,\n [2,\n  3", "'[' never closed at line 2, column 2"},
+      {"{\"a\": [1}", "'}' at line 1, column 9 does not close the '[' at line 1, column 7"},
+      {"]", "']' closes nothing at line 1, column 1"},
+      {"[\"\xC3\xA9\", \"abc]", "a string is never closed at line 1, column 7"},
+      {"[\"\xC3\xA9\",\n \"\x81\"]", "the text is not valid UTF-8 at line 2, column 3"},
+      {"[1,\n  1e400]", "number out of range at line 2, column 3"},
+      {"[1,\n 01]", "malformed number at line 2, column 2"},
+      {"\n\n  nullx", "unknown literal (expected true, false or null) at line 3, column 3"},
+      {"[1] [2]", "unexpected text after the JSON value at line 1, column 5"},
+      {"\"a\"\n  \"b\"", "unexpected text after the JSON value at line 2, column 3"},
+      {"[tru]", "unknown literal (expected true, false or null) at line 1, column 2"},
+      {" \n", "no JSON value (the text is empty or blank)"},
+  };
+  for (const auto& [text, expected] : cases) {
+    EXPECT_EQ(parseError(text), "invalid JSON: " + expected) << text;
+  }
+  // Faults inside a container that simdjson finds while reading it.
+  const std::pair<std::string, std::string> located[] = {
+      {"{\"a\":1,\n  \"b\" 2}", "line 2"}, {"[1,\n\n]", "line 3"}, {"{\"k\": \"a\\x\"}", "line 1"},
+  };
+  for (const auto& [text, line] : located) {
+    const std::string message = parseError(text);
+    EXPECT_EQ(message.find("ends early"), std::string::npos) << message;
+    EXPECT_NE(message.find(" at " + line + ", column "), std::string::npos) << text << " -> " << message;
+  }
+}
+
 TEST(JsonParseTest, DepthLimitAndDuplicateKeys) {
   for (bool objects : {false, true}) {
     ParseResult ok = parse(nested(kMaxDepth, objects));

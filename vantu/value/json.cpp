@@ -13,6 +13,42 @@
 
 namespace vantu::json {
 
+namespace {
+
+bool isContinuation(unsigned char c) { return (c & 0xC0) == 0x80; }
+
+// Length of the well-formed UTF-8 sequence starting at s[i], or, when the
+// sequence is ill-formed, the negated number of bytes to replace by one
+// U+FFFD: the lead byte plus the continuation bytes that were still valid
+// (the "maximal subpart" rule), at least one.
+std::ptrdiff_t utf8Sequence(std::string_view s, std::size_t i) {
+  const auto lead = static_cast<unsigned char>(s[i]);
+  std::size_t length = 0;
+  unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    if (lead == 0xE0) lo = 0xA0;  // overlong
+    if (lead == 0xED) hi = 0x9F;  // UTF-16 surrogates
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    if (lead == 0xF0) lo = 0x90;  // overlong
+    if (lead == 0xF4) hi = 0x8F;  // above U+10FFFF
+  } else {
+    return -1;  // stray continuation byte, C0/C1 (overlong) or F5..FF
+  }
+  std::size_t k = 1;
+  for (; k < length && i + k < s.size(); ++k) {
+    const auto c = static_cast<unsigned char>(s[i + k]);
+    if (k == 1 ? (c < lo || c > hi) : !isContinuation(c)) break;
+  }
+  if (k == length) return static_cast<std::ptrdiff_t>(length);
+  return -static_cast<std::ptrdiff_t>(k);
+}
+
+}  // namespace
+
 // ===========================================================================
 // Parsing
 //
@@ -51,6 +87,119 @@ std::string_view trimTrailingSpace(std::string_view s) {
   return s;
 }
 
+// "line 2, column 5": 1-based; columns count characters, not bytes.
+std::string describePosition(std::string_view text, std::size_t offset) {
+  std::size_t line = 1, column = 1;
+  for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
+    if (text[i] == '\n') {
+      ++line;
+      column = 1;
+    } else if (!isContinuation(static_cast<unsigned char>(text[i]))) {
+      ++column;
+    }
+  }
+  return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
+
+// What went wrong, in the reader's terms. simdjson's own texts describe its
+// internals ("The document ends early." also for a stray closing bracket).
+std::string describeError(simdjson::error_code code) {
+  switch (code) {
+    case simdjson::TAPE_ERROR:
+      return "misplaced or missing comma, colon, key or value";
+    case simdjson::INCOMPLETE_ARRAY_OR_OBJECT:
+      return "unbalanced brackets";
+    case simdjson::TRAILING_CONTENT:
+      return "unexpected text after the JSON value";
+    case simdjson::EMPTY:
+      return "no JSON value (the text is empty or blank)";
+    case simdjson::UNCLOSED_STRING:
+      return "a string is never closed";
+    case simdjson::STRING_ERROR:
+      return "bad escape in a string (or an unpaired UTF-16 surrogate)";
+    case simdjson::UNESCAPED_CHARS:
+      return "control character in a string (write it as an escape such as \\n)";
+    case simdjson::UTF8_ERROR:
+      return "the text is not valid UTF-8";
+    case simdjson::T_ATOM_ERROR:
+    case simdjson::F_ATOM_ERROR:
+    case simdjson::N_ATOM_ERROR:
+      return "unknown literal (expected true, false or null)";
+    case simdjson::NUMBER_ERROR:
+      return "malformed number";
+    case simdjson::INCORRECT_TYPE:
+      return "expected a value (object, array, string, number, true, false or null)";
+    case simdjson::DEPTH_ERROR:
+      return "nesting too deep";
+    default:
+      return simdjson::error_message(code);
+  }
+}
+
+struct Fault {
+  std::string message;
+  std::size_t offset;
+  bool placed = false;  // the message already says where
+};
+
+// Moves `i` to the last byte of the UTF-8 sequence starting there; false
+// when the sequence is ill-formed.
+bool skipUtf8(std::string_view text, std::size_t& i) {
+  const std::ptrdiff_t len = utf8Sequence(text, i);
+  if (len < 0) return false;
+  i += static_cast<std::size_t>(len) - 1;
+  return true;
+}
+
+// The first fault in bracket balance, string closing or UTF-8, with where it
+// is: a stray closer, a closer of the wrong kind, a bracket or string never
+// closed, an invalid byte.
+std::optional<Fault> findStructuralFault(std::string_view text) {
+  constexpr std::string_view kStructural = "[]{},:\"";
+  std::vector<std::size_t> open;  // offsets of the open brackets
+  bool rootDone = false;          // a whole value stands at the top level
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (isJsonSpace(c)) continue;
+    if (rootDone) return Fault{"unexpected text after the JSON value", i};
+    if (static_cast<unsigned char>(c) >= 0x80) {
+      if (!skipUtf8(text, i)) return Fault{"the text is not valid UTF-8", i};
+    } else if (c == '"') {
+      const std::size_t start = i;
+      for (++i; i < text.size() && text[i] != '"'; ++i) {
+        if (text[i] == '\\') {
+          ++i;
+        } else if (static_cast<unsigned char>(text[i]) >= 0x80 && !skipUtf8(text, i)) {
+          return Fault{"the text is not valid UTF-8", i};
+        }
+      }
+      if (i >= text.size()) return Fault{"a string is never closed", start};
+    } else if (c == '[' || c == '{') {
+      open.push_back(i);
+    } else if (c == ']' || c == '}') {
+      if (open.empty()) return Fault{std::string("'") + c + "' closes nothing", i};
+      const char opener = text[open.back()];
+      if ((opener == '[') != (c == ']')) {
+        return Fault{std::string("'") + c + "' at " + describePosition(text, i) + " does not close the '" + opener +
+                         "' at " + describePosition(text, open.back()),
+                     i, true};
+      }
+      open.pop_back();
+    } else if (c == ',' || c == ':') {
+      if (open.empty()) return Fault{std::string("unexpected '") + c + "'", i};
+      continue;
+    } else {  // a number or literal: skip to its end
+      while (i + 1 < text.size() && !isJsonSpace(text[i + 1]) && kStructural.find(text[i + 1]) == std::string_view::npos &&
+             static_cast<unsigned char>(text[i + 1]) < 0x80) {
+        ++i;
+      }
+    }
+    if (open.empty()) rootDone = true;
+  }
+  if (!open.empty()) return Fault{std::string("'") + text[open.back()] + "' never closed", open.back()};
+  return std::nullopt;
+}
+
 class Parser {
  public:
   explicit Parser(std::string_view text) : text_(text) {}
@@ -82,29 +231,51 @@ class Parser {
 
   bool fail(simdjson::error_code code, const char* where = nullptr);
   bool failAt(std::string_view message, const char* where);
+  bool failAtOffset(std::string_view message, std::optional<std::size_t> offset);
 
   std::string_view text_;
   simdjson::padded_string padded_;
   std::vector<Frame> stack_;
   Value root_;
   std::optional<JsonError> error_;
+  od::document* document_ = nullptr;  // for the position of faults simdjson does not place
 };
 
 bool Parser::failAt(std::string_view message, const char* where) {
+  const char* base = padded_.data();
+  std::optional<std::size_t> offset;
+  if (where != nullptr && where >= base && where <= base + text_.size()) offset = where - base;
+  return failAtOffset(message, offset);
+}
+
+bool Parser::failAtOffset(std::string_view message, std::optional<std::size_t> offset) {
   std::string m = "invalid JSON: ";
   m += message;
-  const char* base = padded_.data();
-  if (where != nullptr && where >= base && where <= base + text_.size()) {
-    m += " (at byte ";
-    m += std::to_string(where - base);
-    m += ')';
-  }
+  if (offset) m += " at " + describePosition(text_, *offset);
   error_ = JsonError{std::move(m)};
   return false;
 }
 
 bool Parser::fail(simdjson::error_code code, const char* where) {
-  return failAt(simdjson::error_message(code), where);
+  if (where == nullptr && document_ != nullptr) {
+    auto location = document_->current_location();
+    if (!location.error()) where = location.value_unsafe();
+  }
+  // Faults simdjson finds while indexing the whole text (UTF-8, strings,
+  // bracket balance) come without a position: the scan's finding stands in.
+  // A misplaced bracket reads as a generic structure error: a scan finding
+  // no later than where simdjson stopped is the clearer report.
+  const bool indexingFault = code == simdjson::UTF8_ERROR || code == simdjson::UNCLOSED_STRING ||
+                             code == simdjson::INCOMPLETE_ARRAY_OR_OBJECT;
+  if (indexingFault || code == simdjson::TAPE_ERROR) {
+    const char* base = padded_.data();
+    const bool placed = where != nullptr && where >= base && where <= base + text_.size();
+    auto fault = findStructuralFault(text_);
+    if (fault && (indexingFault || !placed || fault->offset <= static_cast<std::size_t>(where - base))) {
+      return failAtOffset(fault->message, fault->placed ? std::nullopt : std::optional<std::size_t>(fault->offset));
+    }
+  }
+  return failAt(describeError(code), where);
 }
 
 // Validates the JSON number grammar -?(0|[1-9][0-9]*)(.[0-9]+)?([eE][+-]?[0-9]+)?
@@ -197,7 +368,7 @@ bool Parser::readLiteral(std::string_view token, od::json_type type, Value& out)
     out = Value(token == "true");
     return true;
   }
-  return failAt("unknown literal", token.data());
+  return failAt(describeError(simdjson::N_ATOM_ERROR), token.data());
 }
 
 bool Parser::readScalar(od::value& v, od::json_type type, Value& out) {
@@ -222,7 +393,7 @@ bool Parser::readRootScalar(od::document& doc, od::json_type type, Value& out) {
   // it stops short of the end, something follows the value.
   const char* end = padded_.data() + text_.size();
   if (token.data() + token.size() != end) {
-    return failAt(simdjson::error_message(simdjson::TRAILING_CONTENT), token.data() + token.size());
+    return failAt(describeError(simdjson::TRAILING_CONTENT), token.data() + token.size());
   }
   if (type == od::json_type::string) {
     std::string_view s;
@@ -334,6 +505,7 @@ ParseResult Parser::parseWith(od::parser& parser) {
     fail(err);
     return std::move(*error_);
   }
+  document_ = &doc;
   od::json_type type;
   if (auto err = doc.type().get(type)) {
     fail(err);
@@ -349,7 +521,7 @@ ParseResult Parser::parseWith(od::parser& parser) {
     auto location = doc.current_location();
     if (location.error() != simdjson::OUT_OF_BOUNDS) {
       const char* where = location.error() ? nullptr : location.value_unsafe();
-      failAt(simdjson::error_message(simdjson::TRAILING_CONTENT), where);
+      failAt(describeError(simdjson::TRAILING_CONTENT), where);
       return std::move(*error_);
     }
   } else if (!readRootScalar(doc, type, root_)) {
@@ -422,38 +594,6 @@ void writeEscapedControl(std::string& out, unsigned char c) {
       out.append(esc, sizeof esc);
     }
   }
-}
-
-bool isContinuation(unsigned char c) { return (c & 0xC0) == 0x80; }
-
-// Length of the well-formed UTF-8 sequence starting at s[i], or, when the
-// sequence is ill-formed, the negated number of bytes to replace by one
-// U+FFFD: the lead byte plus the continuation bytes that were still valid
-// (the "maximal subpart" rule), at least one.
-std::ptrdiff_t utf8Sequence(std::string_view s, std::size_t i) {
-  const auto lead = static_cast<unsigned char>(s[i]);
-  std::size_t length = 0;
-  unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    if (lead == 0xE0) lo = 0xA0;  // overlong
-    if (lead == 0xED) hi = 0x9F;  // UTF-16 surrogates
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    if (lead == 0xF0) lo = 0x90;  // overlong
-    if (lead == 0xF4) hi = 0x8F;  // above U+10FFFF
-  } else {
-    return -1;  // stray continuation byte, C0/C1 (overlong) or F5..FF
-  }
-  std::size_t k = 1;
-  for (; k < length && i + k < s.size(); ++k) {
-    const auto c = static_cast<unsigned char>(s[i + k]);
-    if (k == 1 ? (c < lo || c > hi) : !isContinuation(c)) break;
-  }
-  if (k == length) return static_cast<std::ptrdiff_t>(length);
-  return -static_cast<std::ptrdiff_t>(k);
 }
 
 void writeNumber(std::string& out, double d) {
