@@ -13,6 +13,7 @@
 #include "apps/vantu-h5/run_command.h"
 #endif
 #include "vantu/core/version_util.h"
+#include "vantu/version.h"
 #include "vantu/value/json.h"
 
 namespace {
@@ -28,7 +29,8 @@ std::string lineCommandsHelp() {
 }
 
 std::string versionText() {
-  return std::string("vantu-h5 ") + VANTU_VERSION + " (bridge SDK " + std::string(vantu::VersionUtil::kSDKVersion) + ")";
+  return std::string("vantu-h5 ") + std::string(vantu::libraryVersion()) + " (bridge SDK " +
+         std::string(vantu::VersionUtil::kSDKVersion) + ")";
 }
 
 int runCall(const std::string& scenarioPath, const std::string& dataDir, double settleSeconds) {
