@@ -11,6 +11,9 @@ for preset in default asan; do
   ctest --preset "$preset" --timeout 600
 done
 
+# Shared libraries, the installed tree and the Debian packages.
+scripts/package.sh
+
 # JavaScript SDK (sdk/js): unit tests and the type check of its declarations.
 # Uses the machine's Node.js; a machine without one gets Debian's.
 if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
