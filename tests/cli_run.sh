@@ -60,4 +60,20 @@ vantu.invoke("vantuOpenGallery", {}).then(function (g) {
 });</script></body></html>' >"$work/picking/index.html"
 "$cli" run "$work/picking" --self-test --device-profile "$work/picking/profile.json" --data-dir "$work/data" --timeout 60 \
   >"$work/log5" 2>&1 || { cat "$work/log5"; echo "the scripted pickers did not answer"; exit 1; }
+# The demo with its device profile: the delegate the profile scripts
+# answers the host-delegated bridges, and what it was asked is logged.
+"$cli" run "$demo" --self-test --device-profile "$demo/device-profile.json" --data-dir "$work/data" --timeout 120 \
+  >"$work/log6" 2>&1 || { cat "$work/log6"; echo "the demo failed with its profile"; exit 1; }
+for bridge in vantuLogin vantuOpenDeeplink vantuHandleSessionExpiry vantuLogout; do
+  grep -q "answer #[0-9]* $bridge {\"data\":{\"success\":true}}" "$work/log6" || {
+    cat "$work/log6"; echo "$bridge was not answered by the profile's delegate"; exit 1; }
+done
+grep -q 'answer #[0-9]* vantuFetchCustomerId "demo-customer-42"' "$work/log6" || { cat "$work/log6"; echo "no customer id"; exit 1; }
+grep -q 'host   host.navigate {"to":"orders"' "$work/log6" || { cat "$work/log6"; echo "delegate calls not logged"; exit 1; }
+printf '%s' '{"delegates": {"host": {"answers": {"login": {"success": true}}}}, "environment": {"delegate": "nobody"}}' \
+  >"$work/bad-delegate.json"
+if "$cli" run "$work/profiled" --device-profile "$work/bad-delegate.json" --data-dir "$work/data" >"$work/log7" 2>&1; then
+  echo "a profile naming a missing delegate was accepted"; exit 1
+fi
+grep -q 'environment: no delegate named "nobody"' "$work/log7" || { cat "$work/log7"; echo "wrong refusal"; exit 1; }
 echo "run ok ($calls calls, $answers answers)"

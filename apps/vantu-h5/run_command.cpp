@@ -8,17 +8,11 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "platforms/gtk/container_application.h"
-#include "platforms/gtk/container_stack.h"
-#include "platforms/gtk/directory_server.h"
-#include "platforms/gtk/glib_main_context.h"
-#include "platforms/gtk/gtk_dialogs.h"
-#include "platforms/gtk/gtk_platform.h"
-#include "platforms/sim/scenario.h"
 #include "platforms/sim/device_profile.h"
-#include "vantu/core/laizaxlu.h"
-#include "vantu/runtime/bridge_registry.h"
-#include "vantu/runtime/environment_services.h"
+#include "vantu/core/url.h"
+#include "vantu/gtk/container.h"
+#include "vantu/gtk/directory_server.h"
+#include "vantu/gtk/host_platform.h"
 #include "vantu/value/json.h"
 
 namespace vantu::cli {
@@ -58,6 +52,16 @@ page::PageObserver callLog(Clock::time_point start, bool quiet) {
   return log;
 }
 
+/// The host-delegate log: one line per call the profile's delegate answers.
+sim::SimHostDelegate::CallRecorder delegateLog(Clock::time_point start) {
+  return [start](std::string_view delegate, std::string_view operation, Dict arguments) {
+    fmt::print("[{:9.3f} ms] host   {}.{} {}\n",
+               std::chrono::duration<double, std::milli>(Clock::now() - start).count(), delegate, operation,
+               shortened(json::write(Value(std::move(arguments)))));
+    std::fflush(stdout);
+  };
+}
+
 /// Why the run cannot start: printed on standard error, exit code 2.
 class CannotStart : public std::runtime_error {
  public:
@@ -89,40 +93,57 @@ std::filesystem::path makeDataDirectory(const RunOptions& options) {
   return dataDir;
 }
 
+/// The device profile, loaded against the platform it then adjusts.
+struct AppliedProfile {
+  std::optional<sim::DeviceProfile> profile;
+};
+
 /// A device profile replaces the services of its sections. Pickers it
 /// scripts are answered from it; the others (left out or "hold") show their
-/// dialogs.
-void applyDeviceProfile(const RunOptions& options, const Value& profile, Platform& platform,
-                        gtk::ContainerApplication* application) {
+/// dialogs. Its host delegate answers the host-delegated bridges, and the
+/// delegate calls it answers go to the call log.
+void applyDeviceProfile(const RunOptions& options, const Value& profile, Platform& platform, AppliedProfile& applied) {
   auto loaded = sim::DeviceProfile::load(profile, platform);
   if (auto* error = std::get_if<std::string>(&loaded)) throw CannotStart(options.deviceProfile + ": " + *error);
-  auto& deviceProfile = std::get<sim::DeviceProfile>(loaded);
-  deviceProfile.installInto(platform);
-  std::shared_ptr<sim::SimPickers> pickers = deviceProfile.pickers();
+  applied.profile = std::move(std::get<sim::DeviceProfile>(loaded));
+  applied.profile->installInto(platform);
+}
+
+void scriptPickers(const RunOptions& options, const sim::DeviceProfile& profile, gtk::HostPlatform& host) {
+  std::shared_ptr<sim::SimPickers> pickers = profile.pickers();
   if (!pickers) return;
   pickers->baseDirectory = std::filesystem::absolute(options.deviceProfile).parent_path();
-  if (application) application->setCameraScripted(pickers->camera.action != sim::SimPickers::Action::hold);
-  gtk::setPickerScript([pickers](const std::shared_ptr<ViewController>& presented) {
-    if (!pickers->answers(*presented)) return false;
-    pickers->presented(presented);
-    return true;
-  });
+  host.scriptPickers(
+      [pickers](const std::shared_ptr<ViewController>& presented) {
+        if (!pickers->answers(*presented)) return false;
+        pickers->presented(presented);
+        return true;
+      },
+      pickers->camera.action != sim::SimPickers::Action::hold);
 }
 
 /// The GTK platform with the device profile applied, installed and with the
 /// environment's services connected.
-linux_platform::LinuxPlatform installGtkPlatform(const RunOptions& options, const std::filesystem::path& dataDir,
-                                                 const std::optional<Value>& profile) {
-  linux_platform::LinuxPlatformOptions platformOptions;
+std::unique_ptr<gtk::HostPlatform> installHostPlatform(const RunOptions& options, const std::filesystem::path& dataDir,
+                                                       const std::optional<Value>& profile, AppliedProfile& applied) {
+  gtk::HostPlatform::Options platformOptions;
   platformOptions.dataDirectory = dataDir;
-  auto bundle = gtk::makeGtkPlatform(std::move(platformOptions));
-  if (!bundle) throw CannotStart("no display to open a window on (set DISPLAY, or run under xvfb-run)");
-  auto application = std::dynamic_pointer_cast<gtk::ContainerApplication>(bundle->platform->application);
-  if (application) application->setCameraSource(options.cameraSource);
-  if (profile) applyDeviceProfile(options, *profile, *bundle->platform, application.get());
-  installPlatform(bundle->platform);
-  connectEnvironmentServices();
-  return std::move(*bundle);
+  platformOptions.cameraSource = options.cameraSource;
+  std::optional<CannotStart> refused;
+  if (profile) {
+    platformOptions.adjust = [&](Platform& platform) {
+      try {
+        applyDeviceProfile(options, *profile, platform, applied);
+      } catch (const CannotStart& e) {
+        refused = e;
+      }
+    };
+  }
+  auto host = gtk::HostPlatform::install(std::move(platformOptions));
+  if (!host) throw CannotStart("no display to open a window on (set DISPLAY, or run under xvfb-run)");
+  if (refused) throw *refused;
+  if (applied.profile) scriptPickers(options, *applied.profile, *host);
+  return host;
 }
 
 /// What the container opens, and the web domains that may call bridges.
@@ -166,25 +187,29 @@ ServedPage decideServedPage(const RunOptions& options) {
   return page;
 }
 
-/// The container with every bridge registered and the call log attached,
-/// made the environment's data provider.
-std::shared_ptr<gtk::ContainerStack> makeContainerStack(const RunOptions& options, AppType appType,
-                                                        const std::string& appId, Clock::time_point start) {
-  gtk::ContainerOptions containerOptions;
-  containerOptions.uniqueAppId = appId;
+/// The container in a window of its own, with every bridge registered, the
+/// call log attached and the profile's host delegate, if any.
+std::unique_ptr<gtk::Container> makeContainer(const RunOptions& options, gtk::HostPlatform& host, AppType appType,
+                                              const ServedPage& page, const AppliedProfile& applied,
+                                              Clock::time_point start) {
+  gtk::Container::Options containerOptions;
+  containerOptions.uniqueAppId = page.appId;
   containerOptions.appType = appType;
-  containerOptions.webView.registry = std::make_shared<BridgeRegistry>();
-  registerAllBridges(*containerOptions.webView.registry);
-  containerOptions.webView.observer = callLog(start, options.quiet);
-  containerOptions.webView.developerExtras = options.inspector;
-  auto stack = std::make_shared<gtk::ContainerStack>(containerOptions);
-  Laizaxlu::shared().setupWith(std::make_shared<H5DataProviders>(stack, nullptr, nullptr));
-  return stack;
+  containerOptions.allowedDomains = page.allowedDomains;
+  containerOptions.allowedAppIds = std::nullopt;  // pages may open any app
+  containerOptions.observer = callLog(start, options.quiet);
+  containerOptions.developerExtras = options.inspector;
+  containerOptions.ownWindow = true;
+  if (applied.profile) {
+    containerOptions.delegate = applied.profile->hostDelegate();
+    if (!options.quiet) applied.profile->onDelegateCall(delegateLog(start));
+  }
+  return gtk::Container::create(host, std::move(containerOptions));
 }
 
-/// Sets `closed` when the user closes the stack's window.
-void watchWindowClose(gtk::ContainerStack& stack, bool& closed) {
-  g_signal_connect(stack.window()->gtkWindow(), "close-request", G_CALLBACK(+[](GtkWindow*, gpointer flag) -> gboolean {
+/// Sets `closed` when the user closes the container's window.
+void watchWindowClose(gtk::Container& container, bool& closed) {
+  g_signal_connect(container.window(), "close-request", G_CALLBACK(+[](GtkWindow*, gpointer flag) -> gboolean {
                      *static_cast<bool*>(flag) = true;
                      return FALSE;
                    }),
@@ -192,19 +217,18 @@ void watchWindowClose(gtk::ContainerStack& stack, bool& closed) {
 }
 
 int runInteractively(const bool& closed) {
-  gtk::runMainContextUntil([&] { return closed; }, std::chrono::hours(24 * 365));
+  gtk::HostPlatform::runUntil([&] { return closed; }, std::chrono::hours(24 * 365));
   return 0;
 }
 
 /// The self-test: the page reports its outcome in its title. Exit code 0
 /// when it reported "done".
-int runSelfTest(const RunOptions& options, gtk::ContainerStack& stack, const bool& closed, Clock::time_point start) {
-  const auto timeout = std::chrono::duration_cast<Duration>(std::chrono::duration<double>(options.timeoutSeconds));
+int runSelfTest(const RunOptions& options, gtk::Container& container, const bool& closed, Clock::time_point start) {
+  const auto timeout =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(options.timeoutSeconds));
   std::string outcome;
   auto finished = [&] {
-    for (const auto& vc : stack.navigation()->viewControllers()) {
-      auto screen = std::dynamic_pointer_cast<gtk::ContainerScreen>(vc);
-      const std::string title = screen ? screen->webView()->title() : "";
+    for (const auto& title : container.titles()) {
       if (title.rfind(kSelfTestPrefix, 0) == 0) {
         outcome = title.substr(kSelfTestPrefix.size());
         return true;
@@ -212,10 +236,10 @@ int runSelfTest(const RunOptions& options, gtk::ContainerStack& stack, const boo
     }
     return closed;
   };
-  const bool ended = gtk::runMainContextUntil(finished, timeout);
+  const bool ended = gtk::HostPlatform::runUntil(finished, timeout);
   std::optional<std::string> shotError;
-  if (!options.screenshot.empty() && stack.topScreen()) {
-    shotError = stack.topScreen()->webView()->saveSnapshot(options.screenshot, std::chrono::seconds(20));
+  if (!options.screenshot.empty() && container.depth() > 0) {
+    shotError = container.saveSnapshot(options.screenshot, std::chrono::seconds(20));
   }
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
   if (!ended || outcome.empty()) outcome = closed ? "failed: the window was closed" : "failed: timed out";
@@ -233,32 +257,35 @@ int runContainer(const RunOptions& options) {
   const auto start = Clock::now();
   // Declared in this order so that the container goes before what it serves
   // and the platform last.
-  std::optional<linux_platform::LinuxPlatform> platform;
+  AppliedProfile applied;
+  std::unique_ptr<gtk::HostPlatform> host;
   ServedPage page;
-  std::shared_ptr<gtk::ContainerStack> stack;
+  std::unique_ptr<gtk::Container> container;
   std::filesystem::path dataDir;
   try {
     auto profile = readDeviceProfile(options);
     const AppType appType = readAppType(options);
     dataDir = makeDataDirectory(options);
-    platform = installGtkPlatform(options, dataDir, profile);
+    host = installHostPlatform(options, dataDir, profile, applied);
     page = decideServedPage(options);
-    Laizaxlu::shared().setupWhiteListWebDomains(page.allowedDomains);
-    stack = makeContainerStack(options, appType, page.appId, start);
+    container = makeContainer(options, *host, appType, page, applied, start);
   } catch (const CannotStart& e) {
     std::cerr << "vantu-h5 run: " << e.what() << "\n";
     return 2;
   }
 
-  fmt::print("vantu-h5 run: {} (app {}, data {}, allowed domains: {})\n", page.url, page.appId, dataDir.string(),
-             fmt::join(page.allowedDomains, ", "));
+  fmt::print("vantu-h5 run: {} (app {}, data {}, allowed domains: {}{})\n", page.url, page.appId, dataDir.string(),
+             fmt::join(page.allowedDomains, ", "),
+             applied.profile && applied.profile->hostDelegate()
+                 ? ", host delegate \"" + applied.profile->hostDelegate()->name() + "\""
+                 : std::string());
   std::fflush(stdout);
-  auto first = stack->open(page.url);
-  if (options.inspector) webkit_web_inspector_show(webkit_web_view_get_inspector(first->webView()->webKitView()));
+  container->open(page.url);
+  if (options.inspector) container->showInspector();
 
   bool closed = false;
-  watchWindowClose(*stack, closed);
-  return options.selfTest ? runSelfTest(options, *stack, closed, start) : runInteractively(closed);
+  watchWindowClose(*container, closed);
+  return options.selfTest ? runSelfTest(options, *container, closed, start) : runInteractively(closed);
 }
 
 }  // namespace vantu::cli

@@ -1,5 +1,7 @@
 #include "platforms/gtk/container_stack.h"
 
+#include <algorithm>
+
 #include "vantu/container/startup_params.h"
 #include "vantu/container/vantu_h5_container_customizer.h"
 #include "vantu/container/vantu_h5_web_view_customizer.h"
@@ -7,16 +9,30 @@
 #include "vantu/platform/platform.h"
 
 namespace vantu::gtk {
+namespace {
+
+void makeKey(const std::shared_ptr<ContainerWindow>& window) {
+  auto& application = *platform().application;
+  if (application.keyWindow() == window) return;
+  application.setKeyWindow(window);
+  application.setMainScreenBounds(window->frame());
+  application.setStatusBarFrame(Rect{0, 0, window->frame().width, ContainerWindow::kStatusStripHeight});
+}
+
+}  // namespace
 
 ContainerStack::ContainerStack(ContainerOptions options)
     : options_(std::move(options)),
-      window_(std::make_shared<ContainerWindow>(options_.width, options_.height)),
+      window_(std::make_shared<ContainerWindow>(options_.width, options_.height, options_.ownWindow)),
       navigation_(std::make_shared<ContainerNavigationController>()) {
   window_->setNavigationController(navigation_);
-  auto& application = *platform().application;
-  application.setKeyWindow(window_);
-  application.setMainScreenBounds(window_->frame());
-  application.setStatusBarFrame(Rect{0, 0, window_->frame().width, ContainerWindow::kStatusStripHeight});
+  makeKey(window_);
+  auto& observer = options_.webView.observer;
+  observer.call = [window = std::weak_ptr<ContainerWindow>(window_), call = std::move(observer.call)](
+                      const page::Message& message) {
+    if (auto key = window.lock()) makeKey(key);
+    if (call) call(message);
+  };
 }
 
 std::shared_ptr<ContainerScreen> ContainerStack::open(const std::string& url, const Dict& containerFlags,
@@ -24,8 +40,25 @@ std::shared_ptr<ContainerScreen> ContainerStack::open(const std::string& url, co
   auto screen = makeScreen(url, options_.uniqueAppId, webViewFlags);
   navigation_->pushViewController(screen, false);
   VantuH5ContainerCustomizer::customize(*screen, navigation_, containerFlags);
-  gtk_window_present(window_->gtkWindow());
+  if (options_.ownWindow) gtk_window_present(window_->gtkWindow());
   return screen;
+}
+
+std::shared_ptr<ContainerScreen> ContainerStack::push(const std::string& url) {
+  auto screen = makeScreen(url, options_.uniqueAppId, {});
+  VantuH5ContainerCustomizer::customize(*screen, navigation_, {});
+  navigation_->pushViewController(screen, true);
+  return screen;
+}
+
+bool ContainerStack::pop() {
+  if (navigation_->viewControllers().size() < 2) return false;
+  navigation_->pop();
+  return true;
+}
+
+bool ContainerStack::owns(const ViewController& viewController) const {
+  return viewController.navigationController() == navigation_;
 }
 
 std::shared_ptr<ContainerScreen> ContainerStack::topScreen() const {
@@ -38,6 +71,11 @@ std::shared_ptr<ViewController> ContainerStack::viewControllerWith(std::shared_p
                                                                    std::string uniqueAppId) {
   auto url = params.getString(StartupParams::url);
   if (!url) return nullptr;
+  if (options_.allowedAppIds && uniqueAppId != options_.uniqueAppId &&
+      std::find(options_.allowedAppIds->begin(), options_.allowedAppIds->end(), uniqueAppId) ==
+          options_.allowedAppIds->end()) {
+    return nullptr;  // the push-window bridge answers that nothing could be opened
+  }
   auto screen = makeScreen(*url, uniqueAppId, webViewFlags);
   VantuH5ContainerCustomizer::customize(*screen, navigation_, customizationParams);
   return screen;
@@ -47,6 +85,7 @@ std::shared_ptr<ContainerScreen> ContainerStack::makeScreen(const std::string& u
                                                             const Dict& webViewFlags) {
   auto screen = ContainerScreen::make(ContainerWebView::make(options_.webView));
   setUniqueAppIdentifier(*screen, uniqueAppId);
+  if (options_.delegate) setVH5ViewControllerDelegate(*screen, options_.delegate);
   setIsH5(*screen, true);
   setAppType(*screen, options_.appType);
   VantuH5WebViewCustomizer::customize(screen->webView(), webViewFlags);

@@ -1,15 +1,19 @@
 #pragma once
-// A container stack: one window, its navigation stack and the screens on
-// it. It is also the view-controller provider of the push-window bridges:
-// a pushed page opens as a new screen on the same stack.
+// A container stack: one window (or a widget in a host's window), its
+// navigation stack and the screens on it. It is also the view-controller
+// provider of the push-window bridges: a pushed page opens as a new screen
+// on the same stack.
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platforms/gtk/container_screen.h"
 #include "platforms/gtk/container_window.h"
 #include "vantu/core/app_type.h"
 #include "vantu/core/h5_view_controller_provider.h"
+#include "vantu/core/vantu_h5_delegate.h"
 
 namespace vantu::gtk {
 
@@ -20,17 +24,36 @@ struct ContainerOptions {
   WebViewConfig webView;
   int width = 414;
   int height = 800;
+  /// The host's delegate, attached to every screen of the stack; none when
+  /// null.
+  std::shared_ptr<VantuH5Delegate> delegate;
+  /// The app ids whose pages the push-window bridges may open on this stack
+  /// besides its own; any when absent.
+  std::optional<std::vector<std::string>> allowedAppIds;
+  /// false: no window of its own; the host places `window()->content()`.
+  bool ownWindow = true;
 };
 
 class ContainerStack : public H5ViewControllerProvider {
  public:
-  /// Makes the window and makes it the application's key window. Needs GTK
-  /// initialised and a platform installed.
+  /// Makes the window and makes it the application's key window; it is
+  /// made the key window again whenever one of its pages calls a bridge, so
+  /// that what a bridge does to the key window lands on the caller's. Needs
+  /// GTK initialised and a platform installed.
   explicit ContainerStack(ContainerOptions options);
 
-  /// Opens `url` as the bottom screen, applies the flags and shows the window.
+  /// Opens `url` as the bottom screen, applies the flags and shows the
+  /// window (when it has one of its own).
   std::shared_ptr<ContainerScreen> open(const std::string& url, const Dict& containerFlags = {},
                                         const Dict& webViewFlags = {});
+  /// Opens `url` as a new screen on top, as a page's push does.
+  std::shared_ptr<ContainerScreen> push(const std::string& url);
+  /// Takes the top screen off (the bottom one stays); false when only the
+  /// bottom one is left.
+  bool pop();
+  /// Whether `viewController` is on this stack's navigation.
+  bool owns(const ViewController& viewController) const;
+  const ContainerOptions& options() const { return options_; }
 
   const std::shared_ptr<ContainerWindow>& window() const { return window_; }
   const std::shared_ptr<ContainerNavigationController>& navigation() const { return navigation_; }

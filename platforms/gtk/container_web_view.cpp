@@ -52,6 +52,7 @@ ContainerWebView::ContainerWebView(const WebViewConfig& config)
               }),
       contentManager_(webkit_user_content_manager_new()) {
   bridge_.setObserver(config.observer);
+  bridge_.setDomainWhitelist(config.allowedDomains);
   webkit_user_content_manager_register_script_message_handler(contentManager_.get(), kHandler, kWorld);
   const std::string sdk(javascriptSdkSource());
   addScript(contentManager_.get(), sdk.c_str(), nullptr);
@@ -141,7 +142,7 @@ gboolean ContainerWebView::onDecidePolicy(WebKitWebView*, WebKitPolicyDecision* 
   const std::string uri = webkit_uri_request_get_uri(webkit_response_policy_decision_get_request(response));
   if (!view->errorPageFor_.empty() && uri == view->errorPageFor_) return FALSE;
   // The gate a top-frame bridge call must pass: the web-domain whitelist.
-  if (uri.rfind("about:", 0) == 0 || page::PageBridge::isAllowed({true, uri})) return FALSE;
+  if (uri.rfind("about:", 0) == 0 || view->bridge_.admits({true, uri})) return FALSE;
   webkit_policy_decision_ignore(decision);
   view->refuse(uri);
   return TRUE;

@@ -8,8 +8,9 @@
 // handler. The handler lives in the isolated world, so no frame's own
 // scripts can reach it, and sub-frames get no relay: only the top frame can
 // call bridges. On receipt the page's current URL must still pass the
-// web-domain whitelist. Main-frame loads of pages outside the whitelist are
-// refused and replaced by an error page.
+// web-domain whitelist (the container's own, else the environment's).
+// Main-frame loads of pages outside the whitelist are refused and replaced
+// by an error page.
 
 #include <webkit/webkit.h>
 
@@ -32,6 +33,9 @@ struct WebViewConfig {
   page::PageObserver observer;
   /// WebKit's inspector (right click, "Inspect Element").
   bool developerExtras = false;
+  /// The web domains whose pages may load and call bridges; the
+  /// environment's list when null.
+  std::shared_ptr<const H5WhiteListDomainData> allowedDomains;
 };
 
 class ContainerWebView : public WebView {

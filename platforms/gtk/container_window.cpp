@@ -7,25 +7,38 @@
 
 namespace vantu::gtk {
 
-ContainerWindow::ContainerWindow(int width, int height)
+ContainerWindow::ContainerWindow(int width, int height, bool ownWindow)
     : Window(Rect{0, 0, static_cast<double>(width), static_cast<double>(height)}),
-      window_(GTK_WINDOW(g_object_ref(gtk_window_new()))),
-      box_(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)),
+      window_(ownWindow ? GTK_WINDOW(g_object_ref(gtk_window_new())) : nullptr),
+      box_(GTK_WIDGET(g_object_ref_sink(gtk_box_new(GTK_ORIENTATION_VERTICAL, 0)))),
       strip_(gtk_drawing_area_new()),
       css_(gtk_css_provider_new()) {
-  gtk_window_set_default_size(window_.get(), width, height);
   gtk_widget_set_size_request(strip_, -1, kStatusStripHeight);
   gtk_widget_set_visible(strip_, FALSE);
   gtk_style_context_add_provider(gtk_widget_get_style_context(strip_), GTK_STYLE_PROVIDER(css_.get()),
                                  GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-  gtk_box_append(GTK_BOX(box_), strip_);
-  gtk_window_set_child(window_.get(), box_);
+  gtk_box_append(GTK_BOX(box_.get()), strip_);
+  if (window_) {
+    gtk_window_set_default_size(window_.get(), width, height);
+    gtk_window_set_child(window_.get(), box_.get());
+  } else {  // the host's layout gives the size
+    gtk_widget_set_hexpand(box_.get(), TRUE);
+    gtk_widget_set_vexpand(box_.get(), TRUE);
+  }
 }
 
-ContainerWindow::~ContainerWindow() { gtk_window_destroy(window_.get()); }
+ContainerWindow::~ContainerWindow() {
+  if (window_) gtk_window_destroy(window_.get());
+}
+
+GtkWindow* ContainerWindow::gtkWindow() const {
+  if (window_) return window_.get();
+  GtkRoot* root = gtk_widget_get_root(box_.get());
+  return root && GTK_IS_WINDOW(root) ? GTK_WINDOW(root) : nullptr;
+}
 
 void ContainerWindow::setNavigationController(std::shared_ptr<ContainerNavigationController> navigation) {
-  gtk_box_append(GTK_BOX(box_), navigation->widget());
+  gtk_box_append(GTK_BOX(box_.get()), navigation->widget());
   setRootViewController(std::move(navigation));
 }
 

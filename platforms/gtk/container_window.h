@@ -1,7 +1,8 @@
 #pragma once
-// A container window: one GTK window per container stack. The status strip
-// (the coloured band the library adds to the key window) is a band along
-// the top of the window, above the navigation bar.
+// A container window: what a container stack shows, either in a GTK window
+// of its own or as a widget a host places in its own window. The status
+// strip (the coloured band the library adds to the key window) is a band
+// along the top, above the navigation bar.
 
 #include <gtk/gtk.h>
 
@@ -18,10 +19,16 @@ class ContainerWindow : public Window {
   /// strip stands in for it at this height.
   static constexpr int kStatusStripHeight = 24;
 
-  ContainerWindow(int width, int height);
+  /// With `ownWindow` false no GTK window is made: the host places
+  /// `content()` in a window of its own.
+  ContainerWindow(int width, int height, bool ownWindow = true);
   ~ContainerWindow() override;
 
-  GtkWindow* gtkWindow() const { return window_.get(); }
+  /// The window of its own, else the window `content()` was placed in (null
+  /// until it is placed).
+  GtkWindow* gtkWindow() const;
+  /// The status strip above the navigation: what a host places.
+  GtkWidget* content() const { return box_.get(); }
   /// Shows `navigation` as the window's content and root view controller.
   void setNavigationController(std::shared_ptr<ContainerNavigationController> navigation);
   /// Whether the status strip shows (tests).
@@ -33,10 +40,11 @@ class ContainerWindow : public Window {
  private:
   void mirrorStatusStrip();
 
-  // A reference of our own: GTK owns toplevel windows.
+  // References of our own: GTK owns toplevel windows, and a host's window
+  // its children.
   linux_platform::GObjectPtr<GtkWindow> window_;
-  GtkWidget* box_;  // box_ and strip_ belong to the window
-  GtkWidget* strip_;
+  linux_platform::GObjectPtr<GtkWidget> box_;
+  GtkWidget* strip_;  // belongs to box_
   linux_platform::GObjectPtr<GtkCssProvider> css_;
 };
 

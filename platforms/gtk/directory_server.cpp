@@ -1,4 +1,4 @@
-#include "platforms/gtk/directory_server.h"
+#include "vantu/gtk/directory_server.h"
 
 #include <libsoup/soup.h>
 
@@ -60,6 +60,8 @@ DirectoryServer::DirectoryServer(std::filesystem::path root)
   g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
   origin_ = "http://127.0.0.1:" + std::to_string(port);
 }
+
+void DirectoryServer::Release::operator()(SoupServer* server) const { g_object_unref(server); }
 
 DirectoryServer::~DirectoryServer() {
   soup_server_disconnect(server_.get());

@@ -1,5 +1,7 @@
 #include "platforms/sim/device_profile.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "platforms/sim/scenario.h"
@@ -27,7 +29,45 @@ class RadioOverride : public DeviceFacts {
   std::optional<std::string> radio_;
 };
 
+using Error = std::optional<std::string>;
+
 }  // namespace
+
+Error DeviceProfile::loadDelegates(const Value& value, const std::shared_ptr<Dispatch>& dispatch) {
+  const Dict* named = value.asDict();
+  if (!named) return std::string("must be an object of named delegates");
+  for (const auto& [key, given] : *named) {
+    const std::string name = key.text();
+    const Dict* d = given.asDict();
+    if (!d) return fmt::format("\"{}\" must be an object", name);
+    if (d->getString("kind").value_or("delegate") != "delegate") {
+      return fmt::format("\"{}\": a profile holds delegates only (kind \"delegate\")", name);
+    }
+    auto delegate = std::make_shared<SimHostDelegate>(
+        name, dispatch, [recorder = delegateRecorder_](std::string_view who, std::string_view operation, Dict arguments) {
+          if (*recorder) (*recorder)(who, operation, std::move(arguments));
+        });
+    if (auto e = loadDelegate(*delegate, *d)) return fmt::format("\"{}\": {}", name, *e);
+    delegates_[name] = std::move(delegate);
+  }
+  return std::nullopt;
+}
+
+Error DeviceProfile::loadEnvironment(const Value& value) {
+  if (value.isNull()) return std::nullopt;
+  const Dict* d = value.asDict();
+  if (!d) return std::string("must be an object or null");
+  for (const auto& [key, v] : *d) {
+    if (key.text() != "delegate") return "unknown field \"" + key.text() + "\" (a profile's environment names a \"delegate\")";
+    if (v.isNull()) continue;
+    const std::string* name = v.asString();
+    if (!name) return std::string("\"delegate\" must be the name of an entry of \"delegates\"");
+    auto found = delegates_.find(*name);
+    if (found == delegates_.end()) return fmt::format("no delegate named \"{}\"", *name);
+    hostDelegate_ = found->second;
+  }
+  return std::nullopt;
+}
 
 std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profile, const Platform& base) {
   const Dict* sections = profile.asDict();
@@ -36,8 +76,8 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     const std::string name = key.text();
     if (std::find(std::begin(kSections), std::end(kSections), name) == std::end(kSections)) {
       return "unknown device profile section \"" + name +
-             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\", \"network\" and "
-             "\"pickers\")";
+             "\" (a profile holds \"permissions\", \"location\", \"deviceOwnerAuthentication\", \"network\", "
+             "\"pickers\", \"delegates\" and \"environment\")";
     }
   }
   const auto& dispatch = base.dispatch;
@@ -74,6 +114,14 @@ std::variant<DeviceProfile, std::string> DeviceProfile::load(const Value& profil
     loaded.pickers_ = std::make_shared<SimPickers>(dispatch);
     error = loadPickers(*loaded.pickers_, *v);
     if (error) return "pickers: " + *error;
+  }
+  if (const Value* v = sections->find("delegates")) {
+    error = loaded.loadDelegates(*v, dispatch);
+    if (error) return "delegates: " + *error;
+  }
+  if (const Value* v = sections->find("environment")) {
+    error = loaded.loadEnvironment(*v);
+    if (error) return "environment: " + *error;
   }
   return loaded;
 }

@@ -20,6 +20,7 @@ class SimGeocoder;
 class SimDeviceOwnerAuthentication;
 class SimReachability;
 class SimPickers;
+class SimHostDelegate;
 
 /// Applies `value` (the section's content); returns the reason on bad input.
 using SectionLoader = std::function<std::optional<std::string>(SimDevice&, const Value&)>;
@@ -46,6 +47,10 @@ std::optional<std::string> loadObjectsSection(SimDevice& device, const Value& va
 std::optional<std::string> loadEnvironmentSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadScreensSection(SimDevice& device, const Value& value);
 std::optional<std::string> loadDefaultScreenSection(SimDevice& device, const Value& value);
+// One entry of "delegates" of kind "delegate" (its "answers" and
+// "otherwise"); also applies to a delegate outside a simulated device (a
+// device profile).
+std::optional<std::string> loadDelegate(SimHostDelegate& delegate, const Dict& given);
 
 // Device facts and the network (scenario_device.cpp). The network object
 // (the device section's "network") also applies on its own to a

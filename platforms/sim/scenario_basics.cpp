@@ -70,21 +70,7 @@ Error loadObject(SimDevice& device, const std::string& name, const Value& given)
     return std::nullopt;
   }
   if (kind != "delegate") return fmt::format("\"{}\": kind must be \"delegate\" or \"object\"", name);
-  auto delegate = device.makeDelegate(name);
-  for (const auto& [key, value] : *d) {
-    if (key.text() == "kind") continue;
-    if (key.text() == "otherwise") {
-      if (auto e = loadAnswer(*delegate, key, value)) return fmt::format("\"{}\": {}", name, *e);
-    } else if (key.text() == "answers") {
-      const Dict* answers = value.asDict();
-      if (!answers) return fmt::format("\"{}\": \"answers\" must be an object", name);
-      for (const auto& [op, answer] : *answers) {
-        if (auto e = loadAnswer(*delegate, op, answer)) return fmt::format("\"{}\": {}", name, *e);
-      }
-    } else {
-      return fmt::format("\"{}\": {}", name, *unknownField(key));
-    }
-  }
+  if (auto e = loadDelegate(*device.makeDelegate(name), *d)) return fmt::format("\"{}\": {}", name, *e);
   return std::nullopt;
 }
 
@@ -246,6 +232,24 @@ Error loadViewControllerProvider(SimDevice& device, const Value& given,
 }
 
 }  // namespace
+
+Error loadDelegate(SimHostDelegate& delegate, const Dict& given) {
+  for (const auto& [key, value] : given) {
+    if (key.text() == "kind") continue;
+    if (key.text() == "otherwise") {
+      if (auto e = loadAnswer(delegate, key, value)) return e;
+    } else if (key.text() == "answers") {
+      const Dict* answers = value.asDict();
+      if (!answers) return std::string("\"answers\" must be an object");
+      for (const auto& [op, answer] : *answers) {
+        if (auto e = loadAnswer(delegate, op, answer)) return e;
+      }
+    } else {
+      return unknownField(key);
+    }
+  }
+  return std::nullopt;
+}
 
 Error loadAppSection(SimDevice& device, const Value& value) {
   const Dict* d = value.asDict();

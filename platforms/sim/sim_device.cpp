@@ -155,7 +155,10 @@ std::shared_ptr<Object> SimDevice::object(std::string_view name) const {
 void SimDevice::addObject(const std::string& name, std::shared_ptr<Object> object) { objects_[name] = std::move(object); }
 
 std::shared_ptr<SimHostDelegate> SimDevice::makeDelegate(const std::string& name) {
-  auto delegate = std::make_shared<SimHostDelegate>(name, *this);
+  auto delegate = std::make_shared<SimHostDelegate>(
+      name, dispatch_, [this](std::string_view delegate, std::string_view operation, Dict arguments) {
+        recordDelegateCall(delegate, operation, std::move(arguments));
+      });
   addObject(name, delegate);
   return delegate;
 }

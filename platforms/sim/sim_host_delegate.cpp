@@ -1,6 +1,6 @@
 #include "platforms/sim/sim_host_delegate.h"
 
-#include "platforms/sim/sim_device.h"
+#include "platforms/sim/sim_ui.h"
 
 namespace vantu::sim {
 namespace {
@@ -21,7 +21,8 @@ Array stringArray(const std::vector<std::string>& strings) {
 
 }  // namespace
 
-SimHostDelegate::SimHostDelegate(std::string name, SimDevice& device) : name_(std::move(name)), device_(device) {}
+SimHostDelegate::SimHostDelegate(std::string name, std::shared_ptr<Dispatch> dispatch, CallRecorder record)
+    : name_(std::move(name)), dispatch_(std::move(dispatch)), record_(std::move(record)) {}
 
 void SimHostDelegate::script(std::string operation, std::optional<ScriptedAnswer> answer) {
   answers_[std::move(operation)] = std::move(answer);
@@ -39,11 +40,11 @@ void SimHostDelegate::handle(std::string_view operation, Dict arguments, Delegat
     fallback(std::move(handler));
     return;
   }
-  device_.recordDelegateCall(name_, operation, std::move(arguments));
+  if (record_) record_(name_, operation, std::move(arguments));
   if (answer->never || !handler) return;
   auto deliver = [handler = std::move(handler), answer = *answer] { handler(answer.success, answer.error, answer.value); };
   if (answer->afterSeconds) {
-    device_.dispatch().main()->asyncAfter(secondsToDuration(*answer->afterSeconds), std::move(deliver));
+    dispatch_->main()->asyncAfter(secondsToDuration(*answer->afterSeconds), std::move(deliver));
   } else {
     deliver();
   }

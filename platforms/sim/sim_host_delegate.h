@@ -1,8 +1,9 @@
 #pragma once
-// A host delegate whose answers come from the scenario. Each operation is
-// either scripted (recorded, then answered as written) or left to the
-// protocol default ("default" in the scenario: forward or fail).
+// A host delegate whose answers come from a scenario or a device profile.
+// Each operation is either scripted (recorded, then answered as written) or
+// left to the protocol default ("default" in the script: forward or fail).
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -10,10 +11,9 @@
 
 #include "platforms/sim/sim_answer.h"
 #include "vantu/core/vantu_h5_delegate.h"
+#include "vantu/platform/dispatch.h"
 
 namespace vantu::sim {
-
-class SimDevice;
 
 /// Every delegate operation the scenario can script, by short name.
 inline constexpr std::string_view kDelegateOperations[] = {
@@ -24,7 +24,12 @@ inline constexpr std::string_view kDelegateOperations[] = {
 
 class SimHostDelegate : public VantuH5Delegate {
  public:
-  SimHostDelegate(std::string name, SimDevice& device);
+  /// Told of every scripted call: the delegate's name, the operation and
+  /// its arguments.
+  using CallRecorder = std::function<void(std::string_view delegate, std::string_view operation, Dict arguments)>;
+
+  /// Answers given "after" seconds are delivered on `dispatch`'s main queue.
+  SimHostDelegate(std::string name, std::shared_ptr<Dispatch> dispatch, CallRecorder record);
 
   /// nullopt = the protocol default for this operation.
   void script(std::string operation, std::optional<ScriptedAnswer> answer);
@@ -58,7 +63,8 @@ class SimHostDelegate : public VantuH5Delegate {
   void handle(std::string_view operation, Dict arguments, DelegateHandler handler, Fallback fallback);
 
   std::string name_;
-  SimDevice& device_;
+  std::shared_ptr<Dispatch> dispatch_;
+  CallRecorder record_;
   std::map<std::string, std::optional<ScriptedAnswer>, std::less<>> answers_;
   std::optional<ScriptedAnswer> otherwise_ = ScriptedAnswer{};
 };

@@ -56,8 +56,15 @@ bool PageBridge::isAllowed(const Origin& origin) {
   return url && Laizaxlu::shared().isURLWhitelisted(*url);
 }
 
+bool PageBridge::admits(const Origin& origin) const {
+  if (!domains_) return isAllowed(origin);
+  if (!origin.topFrame) return false;
+  auto url = Url::parse(origin.pageUrl);
+  return url && domains_->isURLWhitelisted(*url);
+}
+
 Receipt PageBridge::receive(std::string_view text, const Origin& origin) {
-  if (!isAllowed(origin)) {
+  if (!admits(origin)) {
     if (observer_.rejected) {
       observer_.rejected((origin.topFrame ? "refused a message from " : "refused a sub-frame message from ") +
                          origin.pageUrl);

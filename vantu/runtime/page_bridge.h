@@ -3,8 +3,10 @@
 // refuses what may not call bridges, runs the calls through a registry and
 // sends every answer back as a delivery script.
 //
-// The gate: only the top frame of a page whose URL passes the environment's
-// web-domain check (`Laizaxlu::isURLWhitelisted`) may call. A refused
+// The gate: only the top frame of a page whose URL passes the web-domain
+// check may call: the bridge's own whitelist when it was given one (a
+// container with a whitelist of its own), else the environment's
+// (`Laizaxlu::isURLWhitelisted`). A refused
 // message gets no answer at all: a frame that may not call bridges learns
 // nothing from them. Everything else gets an answer: a malformed message
 // with a readable id gets a flat error for that id, an unknown bridge the
@@ -16,6 +18,7 @@
 #include <string>
 #include <string_view>
 
+#include "vantu/core/h5_white_list_domain_data.h"
 #include "vantu/platform/view_controller.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/runtime/page_message.h"
@@ -54,8 +57,16 @@ class PageBridge {
   void setScreen(std::weak_ptr<ViewController> screen) { screen_ = std::move(screen); }
   void setObserver(PageObserver observer);
 
-  /// Whether a message from `origin` may call bridges.
+  /// Checks pages against `domains` in place of the environment's list and
+  /// its one-time bypass; nullptr goes back to the environment's.
+  void setDomainWhitelist(std::shared_ptr<const H5WhiteListDomainData> domains) { domains_ = std::move(domains); }
+
+  /// Whether a message from `origin` may call bridges by the environment's
+  /// web-domain check.
   static bool isAllowed(const Origin& origin);
+  /// Whether a message from `origin` may call bridges through this bridge
+  /// (its own whitelist, or the environment's check).
+  bool admits(const Origin& origin) const;
 
   /// Handles one message text. Call on the main thread.
   Receipt receive(std::string_view text, const Origin& origin);
@@ -70,6 +81,7 @@ class PageBridge {
   std::shared_ptr<Channel> channel_;
   std::weak_ptr<ViewController> screen_;
   PageObserver observer_;
+  std::shared_ptr<const H5WhiteListDomainData> domains_;
 };
 
 }  // namespace vantu::page

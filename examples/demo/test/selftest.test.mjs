@@ -24,6 +24,14 @@ function goodContainer(mock) {
     .answer("vantuNetworkType", { data: "Wifi" })
     .answer("vantuGetAppInfo", { appVersion: "1.0", h5Version: "1.0.0" })
     .answer("vantuFetchCustomerId", "c-42")
+    .answer("vantuLogin", { data: { success: true } })
+    .answer("vantuFetchAuthToken", { accessToken: "t" })
+    .answer("vantuFetchValuesForKeys", { success: true, data: { theme: "light" } })
+    .answer("vantuFetchParamsAgainstKey", { success: true, data: ["spring-sale"] })
+    .answer("vantuNavigateTo", { success: true, data: null })
+    .answer("vantuOpenDeeplink", { data: { success: true } })
+    .answer("vantuHandleSessionExpiry", { data: { success: true } })
+    .answer("vantuLogout", { data: { success: true } })
     .handle("vantuSaveData", (data) => { for (const [k, v] of Object.entries(data.data)) store.set(k, v); return { data: {} }; })
     .handle("vantuGetData", (data) => ({ data: Object.fromEntries(data.keys.map((k) => [k, store.get(k) ?? ""])) }))
     .handle("vantuRemoveData", (data) => { data.keys.forEach((k) => store.delete(k)); return { data: {} }; })
@@ -67,6 +75,9 @@ test("real faults fail the run with the call that showed them", async () => {
     ["wrong HTTP body", (mock) => mock.answer("httpRequest", { status: 200, data: "{}" }), "httpRequest: the body is not the sample file"],
     ["download without a path", (mock) => mock.answer("vantuDownloadFile", { data: { success: true, filePath: "" } }),
       "vantuDownloadFile: no file path for a finished download"],
+    ["login not confirmed", (mock) => mock.answer("vantuLogin", { data: {} }),
+      "vantuLogin: did not answer {data: {success: true}}"],
+    ["no token", (mock) => mock.answer("vantuFetchAuthToken", "t"), "vantuFetchAuthToken: no token object"],
     ["bad argument accepted", (mock) => mock.answer("vantuShowTitleBar", true),
       "vantuShowTitleBar (value as text): a title-bar value given as text was accepted"],
     ["page unloaded", (mock) => mock.handle("vantuNetworkType", () => { mock.hidePage(); }),
