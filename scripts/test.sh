@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # The test command: installs what is missing, builds, and runs every test,
-# first in the default build, then under AddressSanitizer + UBSan.
+# first in the default build, then under AddressSanitizer + UBSan; the tests
+# whose code crosses threads under ThreadSanitizer; and, with clang, each
+# fuzz target for a short fixed number of runs (docs/fuzzing.md).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-for preset in default asan; do
+for preset in default asan tsan; do
   echo "== $preset: build"
   scripts/build.sh "$preset"
   echo "== $preset: test"
@@ -13,6 +15,22 @@ done
 
 # Shared libraries, the installed tree and the Debian packages.
 scripts/package.sh
+
+# libFuzzer needs clang and its runtime (scripts/packages.txt lists both; a
+# machine that lacks them skips this stage and says so).
+have_libfuzzer() {
+  command -v clang++ >/dev/null &&
+    echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
+    clang++ -x c++ -fsanitize=fuzzer -o /dev/null - 2>/dev/null
+}
+if have_libfuzzer; then
+  echo "== fuzz: build"
+  scripts/build.sh fuzz
+  echo "== fuzz: short runs"
+  scripts/fuzz.sh --runs
+else
+  echo "== fuzz: skipped (no clang with libFuzzer)"
+fi
 
 # JavaScript SDK (sdk/js): unit tests and the type check of its declarations.
 # Uses the machine's Node.js; a machine without one gets Debian's.
