@@ -5,6 +5,7 @@
 #include "vantu/container/vantu_h5_web_view_customizer.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/platform/platform.h"
+#include "vantu/runtime/page_events.h"
 
 namespace vantu::gtk {
 
@@ -17,6 +18,23 @@ ContainerStack::ContainerStack(ContainerOptions options)
   application.setKeyWindow(window_);
   application.setMainScreenBounds(window_->frame());
   application.setStatusBarFrame(Rect{0, 0, window_->frame().width, ContainerWindow::kStatusStripHeight});
+  g_signal_connect(window_->gtkWindow(), "notify::is-active", G_CALLBACK(onActive), this);
+}
+
+ContainerStack::~ContainerStack() { g_signal_handlers_disconnect_by_data(window_->gtkWindow(), this); }
+
+void ContainerStack::emit(std::string_view name, const Value& detail) {
+  // A copy: a page's answer never changes the stack synchronously, but a
+  // host's own listener might.
+  const auto screens = navigation_->viewControllers();
+  for (const auto& controller : screens) {
+    if (auto screen = std::dynamic_pointer_cast<ContainerScreen>(controller)) screen->webView()->emit(name, detail);
+  }
+}
+
+void ContainerStack::onActive(GObject* window, GParamSpec*, gpointer self) {
+  const bool focused = gtk_window_is_active(GTK_WINDOW(window));
+  static_cast<ContainerStack*>(self)->emit(page::kWindowFocusEvent, Dict{{"focused", focused}});
 }
 
 std::shared_ptr<ContainerScreen> ContainerStack::open(const std::string& url, const Dict& containerFlags,

@@ -32,13 +32,56 @@ std::variant<Message, MalformedMessage> parseMessage(std::string_view text) {
 
 Dict malformedAnswer(const MalformedMessage& malformed) { return payload::failure(malformed.reason); }
 
-std::string deliveryScript(std::int64_t id, const Value& payload) {
-  std::string script = "window.vantu.__deliver(";
+namespace {
+
+void appendInteger(std::string& out, std::int64_t n) {
   char digits[24];
-  auto end = std::to_chars(digits, digits + sizeof digits, id).ptr;
-  script.append(digits, end);
-  script += ',';
-  json::writeTo(script, payload);
+  auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
+  out.append(digits, end);
+}
+
+void openEntry(std::string& out, char kind) {
+  if (!out.empty()) out += ',';
+  out += '[';
+  out += kind;
+  out += ',';
+}
+
+}  // namespace
+
+void appendAnswerEntry(std::string& out, std::int64_t id, const Value& payload) {
+  openEntry(out, '0');
+  appendInteger(out, id);
+  out += ',';
+  json::writeTo(out, payload);
+  out += ']';
+}
+
+void appendProgressEntry(std::string& out, std::int64_t id, const TransferProgress& progress) {
+  openEntry(out, '1');
+  appendInteger(out, id);
+  out += ",{\"received\":";
+  appendInteger(out, progress.received);
+  out += ",\"total\":";
+  if (progress.total) {
+    appendInteger(out, *progress.total);
+  } else {
+    out += "null";
+  }
+  out += "}]";
+}
+
+void appendEventEntry(std::string& out, std::string_view name, const Value& detail) {
+  openEntry(out, '2');
+  json::writeTo(out, Value(std::string(name)));
+  out += ',';
+  json::writeTo(out, detail);
+  out += ']';
+}
+
+std::string receiveScript(std::string_view batch) {
+  std::string script = "window.vantu.__receive(";
+  script.append(batch);
   script += ");";
   return script;
 }
