@@ -29,8 +29,8 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
   std::shared_ptr<Dispatch> dispatch = platform().dispatch;
   std::shared_ptr<SerialQueue> mainQueue = dispatch->main();
 
-  // The entries of the next batch, comma-separated, and whether a task to
-  // send them is queued.
+  // The next batch without its closing bracket ("[" and the entries so
+  // far), and whether a task to send it is queued.
   std::string outbox;
   bool flushQueued = false;
   // Whether the current document may hear events; decided at its first event.
@@ -47,6 +47,7 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
     }
     if (!open || forDocument != document) return;
     if (observer.answer) observer.answer(id, bridge, payload);
+    if (outbox.empty()) outbox = "[";
     appendAnswerEntry(outbox, id, payload);
     scheduleFlush();
   }
@@ -60,6 +61,7 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
     }
     if (!open || forDocument != document) return;
     if (observer.progress) observer.progress(id, bridge, sofar);
+    if (outbox.empty()) outbox = "[";
     appendProgressEntry(outbox, id, sofar);
     scheduleFlush();
   }
@@ -69,6 +71,7 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
     if (!admitted) admitted = pageUrl && PageBridge::isAllowed({true, pageUrl()});
     if (!*admitted) return;
     if (observer.event) observer.event(name, detail);
+    if (outbox.empty()) outbox = "[";
     appendEventEntry(outbox, name, detail);
     scheduleFlush();
   }
@@ -82,12 +85,10 @@ struct PageBridge::Channel : std::enable_shared_from_this<Channel> {
   void flush() {
     flushQueued = false;
     if (!open || outbox.empty()) return;
-    std::string batch;
-    batch.reserve(outbox.size() + 2);
-    batch += '[';
-    batch += outbox;
-    batch += ']';
+    // The outbox becomes the batch in place: a large answer is not copied.
+    std::string batch = std::move(outbox);
     outbox.clear();
+    batch += ']';
     deliver(std::move(batch));
   }
 

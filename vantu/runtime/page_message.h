@@ -37,8 +37,8 @@ std::variant<Message, MalformedMessage> parseMessage(std::string_view text);
 /// The answer a malformed message gets: {"error": 2, "message": <reason>}.
 Dict malformedAnswer(const MalformedMessage& malformed);
 
-/// Appends one batch entry to `out` (the text between a batch's brackets),
-/// with a comma before it unless it is the first.
+/// Appends one batch entry to `out` (a batch being written), with a comma
+/// before it unless it is the first (`out` empty or ending in its "[").
 void appendAnswerEntry(std::string& out, std::int64_t id, const Value& payload);
 void appendProgressEntry(std::string& out, std::int64_t id, const TransferProgress& progress);
 void appendEventEntry(std::string& out, std::string_view name, const Value& detail);
