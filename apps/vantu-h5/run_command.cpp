@@ -29,7 +29,8 @@ std::string shortened(std::string text) {
 
 std::filesystem::path defaultDataDir() { return std::filesystem::path(g_get_user_data_dir()) / "vantu-h5"; }
 
-/// The bridge-call log: one line per call and per answer, on standard output.
+/// The bridge-call log: one line per call, per answer, per progress report
+/// and per event, on standard output.
 page::PageObserver callLog(Clock::time_point start, bool quiet) {
   auto stamp = [start] {
     return fmt::format("[{:9.3f} ms]", std::chrono::duration<double, std::milli>(Clock::now() - start).count());
@@ -43,6 +44,15 @@ page::PageObserver callLog(Clock::time_point start, bool quiet) {
   log.answer = [stamp](std::int64_t id, std::string_view bridge, const Value& answer) {
     fmt::print("{} answer #{} {} {}\n", stamp(), id, bridge.empty() ? "(malformed)" : bridge,
                shortened(json::write(answer)));
+    std::fflush(stdout);
+  };
+  log.progress = [stamp](std::int64_t id, std::string_view bridge, const TransferProgress& progress) {
+    fmt::print("{} progress #{} {} {} of {} bytes\n", stamp(), id, bridge, progress.received,
+               progress.total ? std::to_string(*progress.total) : std::string("?"));
+    std::fflush(stdout);
+  };
+  log.event = [stamp](std::string_view name, const Value& detail) {
+    fmt::print("{} event  {} {}\n", stamp(), name, shortened(json::write(detail)));
     std::fflush(stdout);
   };
   log.rejected = [stamp](std::string_view reason) {

@@ -128,6 +128,26 @@ TaskMetrics metricsOf(CURL* easy) {
   return m;
 }
 
+// A transfer's progress, counted on the worker and reported on the main
+// queue. At most one report task is queued at a time: it reads the latest
+// count when it runs, so a fast transfer does not flood the main queue.
+struct ProgressReports {
+  std::function<void(const TransferProgress&)> handler;
+  std::atomic<std::int64_t> received{0};
+  std::atomic<std::int64_t> total{-1};
+  std::atomic<bool> queued{false};
+  std::int64_t lastReported = -1;  // main queue only
+
+  void report() {
+    queued.store(false);
+    const std::int64_t now = received.load();
+    if (now == lastReported) return;
+    lastReported = now;
+    const std::int64_t all = total.load();
+    handler(TransferProgress{now, all < 0 ? std::nullopt : std::optional<std::int64_t>(all)});
+  }
+};
+
 }  // namespace
 
 struct CurlTransport::Job {
@@ -145,6 +165,7 @@ struct CurlTransport::Job {
   bool writeFailed = false;
   HttpUrlResponse response;
   bool sawStatusLine = false;
+  std::shared_ptr<ProgressReports> progress;  // when the transfer asked for it
 
   ~Job() {
     if (easy) curl_easy_cleanup(easy);
@@ -169,7 +190,21 @@ struct CurlTransport::Job {
       job->writeFailed = true;
       return 0;  // makes libcurl end the transfer with CURLE_WRITE_ERROR
     }
+    if (job->progress) job->countBody(n);
     return n;
+  }
+
+  void countBody(size_t n) {
+    progress->received.fetch_add(static_cast<std::int64_t>(n));
+    // The length counts the bytes on the wire; a compressed body decodes to
+    // another size, so its total stays unknown.
+    curl_off_t length = -1;
+    curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    const bool encoded = std::any_of(response.headers.begin(), response.headers.end(), [](const auto& field) {
+      return strcasecmp(field.first.c_str(), "Content-Encoding") == 0 && strcasecmp(field.second.c_str(), "identity") != 0;
+    });
+    progress->total.store(encoded ? -1 : static_cast<std::int64_t>(length));
+    if (!progress->queued.exchange(true)) main->async([reports = progress] { reports->report(); });
   }
 
   // Keeps the header fields of the last response only (redirects and
@@ -301,6 +336,10 @@ void CurlTransport::doStart(HttpTransfer transfer, Completion completion, Metric
   job->metrics = std::move(metrics);
   job->main = dispatch_->main();
   job->work = dispatch_->beginOutstandingWork();
+  if (job->transfer.progress) {
+    job->progress = std::make_shared<ProgressReports>();
+    job->progress->handler = std::move(job->transfer.progress);
+  }
   if (job->transfer.request.timeoutSeconds <= 0) {
     HttpTransferResult result;
     result.error = urlError(UrlErrorCode::timedOut, "The request timed out.");
@@ -328,12 +367,14 @@ void CurlTransport::finish(std::unique_ptr<Job> job, HttpTransferResult result, 
     if (handler) handler(metrics);
   };
   job->discardFile();  // a failed download's partial file is gone before its report
-  // Both reports in one main-queue task (one wake-up of the main thread),
+  // The reports in one main-queue task (one wake-up of the main thread),
   // in the order the options give; the work token goes with them. The
   // handle is freed here while the main thread reports.
   const bool metricsFirst = metricsOrder_ == MetricsOrder::beforeCompletion;
   main->async([first = metricsFirst ? std::move(measure) : std::move(report),
-               last = metricsFirst ? std::move(report) : std::move(measure), work = std::move(work)]() mutable {
+               last = metricsFirst ? std::move(report) : std::move(measure), work = std::move(work),
+               progress = std::move(job->progress)]() mutable {
+    if (progress) progress->report();  // the final count, unless reported already
     first();
     last();
   });

@@ -7,6 +7,7 @@
 #include "vantu/container/vantu_h5_web_view_customizer.h"
 #include "vantu/core/view_controller_context.h"
 #include "vantu/platform/platform.h"
+#include "vantu/runtime/page_events.h"
 
 namespace vantu::gtk {
 namespace {
@@ -33,6 +34,29 @@ ContainerStack::ContainerStack(ContainerOptions options)
     if (auto key = window.lock()) makeKey(key);
     if (call) call(message);
   };
+  // Focus is the library's own window's; a host that places the container
+  // in its window tells the page through emit().
+  if (auto* gtkWindow = window_->gtkWindow()) {
+    g_signal_connect(gtkWindow, "notify::is-active", G_CALLBACK(onActive), this);
+  }
+}
+
+ContainerStack::~ContainerStack() {
+  if (auto* gtkWindow = window_->gtkWindow()) g_signal_handlers_disconnect_by_data(gtkWindow, this);
+}
+
+void ContainerStack::emit(std::string_view name, const Value& detail) {
+  // A copy: a page's answer never changes the stack synchronously, but a
+  // host's own listener might.
+  const auto screens = navigation_->viewControllers();
+  for (const auto& controller : screens) {
+    if (auto screen = std::dynamic_pointer_cast<ContainerScreen>(controller)) screen->webView()->emit(name, detail);
+  }
+}
+
+void ContainerStack::onActive(GObject* window, GParamSpec*, gpointer self) {
+  const bool focused = gtk_window_is_active(GTK_WINDOW(window));
+  static_cast<ContainerStack*>(self)->emit(page::kWindowFocusEvent, Dict{{"focused", focused}});
 }
 
 std::shared_ptr<ContainerScreen> ContainerStack::open(const std::string& url, const Dict& containerFlags,

@@ -41,6 +41,14 @@ class ContainerStack : public H5ViewControllerProvider {
   /// that what a bridge does to the key window lands on the caller's. Needs
   /// GTK initialised and a platform installed.
   explicit ContainerStack(ContainerOptions options);
+  ~ContainerStack() override;
+  ContainerStack(const ContainerStack&) = delete;
+  ContainerStack& operator=(const ContainerStack&) = delete;
+
+  /// The host's own event for the pages of this container: `name` with a
+  /// JSON `detail` goes to the page of every screen on the stack, bottom
+  /// first (each page that passes the whitelist hears it). Main thread.
+  void emit(std::string_view name, const Value& detail);
 
   /// Opens `url` as the bottom screen, applies the flags and shows the
   /// window (when it has one of its own).
@@ -67,6 +75,8 @@ class ContainerStack : public H5ViewControllerProvider {
  private:
   std::shared_ptr<ContainerScreen> makeScreen(const std::string& url, const std::string& uniqueAppId,
                                               const Dict& webViewFlags);
+
+  static void onActive(GObject*, GParamSpec*, gpointer self);
 
   ContainerOptions options_;
   std::shared_ptr<ContainerWindow> window_;

@@ -6,6 +6,7 @@
 #include "platforms/linux/gobject_ptr.h"
 #include "vantu/container/h5_provider_error.h"
 #include "vantu/runtime/js_sdk.h"
+#include "vantu/runtime/page_events.h"
 
 namespace vantu::gtk {
 namespace {
@@ -45,11 +46,8 @@ std::shared_ptr<ContainerWebView> ContainerWebView::make(const WebViewConfig& co
 }
 
 ContainerWebView::ContainerWebView(const WebViewConfig& config)
-    : bridge_(config.registry,
-              [this](std::string script) {
-                webkit_web_view_evaluate_javascript(webView_.get(), script.data(), static_cast<gssize>(script.size()),
-                                                    nullptr, nullptr, nullptr, nullptr, nullptr);
-              }),
+    : bridge_(
+          config.registry, [this](std::string batch) { deliver(std::move(batch)); }, [this] { return uri(); }),
       contentManager_(webkit_user_content_manager_new()) {
   bridge_.setObserver(config.observer);
   bridge_.setDomainWhitelist(config.allowedDomains);
@@ -69,12 +67,44 @@ ContainerWebView::ContainerWebView(const WebViewConfig& config)
   g_signal_connect(webView_.get(), "decide-policy", G_CALLBACK(onDecidePolicy), this);
   g_signal_connect(webView_.get(), "load-changed", G_CALLBACK(onLoadChanged), this);
   g_signal_connect(webView_.get(), "notify::title", G_CALLBACK(onTitle), this);
+  g_signal_connect(webView_.get(), "map", G_CALLBACK(onMap), this);
+  g_signal_connect(webView_.get(), "unmap", G_CALLBACK(onUnmap), this);
 }
 
 ContainerWebView::~ContainerWebView() {
   g_signal_handlers_disconnect_by_data(contentManager_.get(), this);
   g_signal_handlers_disconnect_by_data(webView_.get(), this);
   webkit_user_content_manager_unregister_script_message_handler(contentManager_.get(), kHandler, kWorld);
+}
+
+void ContainerWebView::deliver(std::string batch) {
+  if (batch.size() < kInlineBatchLimit) {
+    const std::string script = page::receiveScript(batch);
+    webkit_web_view_evaluate_javascript(webView_.get(), script.data(), static_cast<gssize>(script.size()), nullptr,
+                                        nullptr, nullptr, nullptr, nullptr);
+    return;
+  }
+  // The text is handed over as it is, without a copy: the GVariant owns the
+  // string (with its terminating NUL) until WebKit has sent it. The
+  // library's JSON writer only writes valid UTF-8, so it is trusted.
+  auto* text = new std::string(std::move(batch));
+  GVariant* argument =
+      g_variant_new_from_data(G_VARIANT_TYPE_STRING, text->c_str(), text->size() + 1, TRUE,
+                              [](gpointer data) { delete static_cast<std::string*>(data); }, text);
+  GVariantBuilder arguments;
+  g_variant_builder_init(&arguments, G_VARIANT_TYPE_VARDICT);
+  g_variant_builder_add(&arguments, "{sv}", "batch", argument);
+  webkit_web_view_call_async_javascript_function(webView_.get(), "window.vantu.__receive(batch);", -1,
+                                                 g_variant_builder_end(&arguments), nullptr, nullptr, nullptr, nullptr,
+                                                 nullptr);
+}
+
+void ContainerWebView::onMap(GtkWidget*, gpointer self) {
+  static_cast<ContainerWebView*>(self)->emit(page::kContainerShownEvent, Value());
+}
+
+void ContainerWebView::onUnmap(GtkWidget*, gpointer self) {
+  static_cast<ContainerWebView*>(self)->emit(page::kContainerHiddenEvent, Value());
 }
 
 void ContainerWebView::load(const std::string& url) { webkit_web_view_load_uri(webView_.get(), url.c_str()); }

@@ -11,6 +11,13 @@
 // web-domain whitelist (the container's own, else the environment's).
 // Main-frame loads of pages outside the whitelist are refused and replaced
 // by an error page.
+//
+// Answers, progress and events reach the page in batches through
+// `window.vantu.__receive`: a small batch inlined in a script, a large one
+// as a string argument of a function call, so that it is never compiled as
+// script source (docs/page-protocol.md says why and where the line is).
+// The web view's page hears "containerShown" / "containerHidden" when its
+// widget is mapped / unmapped (its screen comes on / leaves the window).
 
 #include <webkit/webkit.h>
 
@@ -47,6 +54,14 @@ class ContainerWebView : public WebView {
   GtkWidget* widget() const { return GTK_WIDGET(webView_.get()); }
   page::PageBridge& bridge() { return bridge_; }
 
+  /// Sends the host's event `name` with a JSON `detail` to the page (when it
+  /// passes the whitelist; see PageBridge::emit).
+  void emit(std::string_view name, const Value& detail) { bridge_.emit(name, detail); }
+
+  /// Batches of at least this many bytes go to the page as a string
+  /// argument rather than inlined in script source.
+  static constexpr std::size_t kInlineBatchLimit = 64 * 1024;
+
   void load(const std::string& url);
   std::string uri() const;
   std::string title() const;
@@ -72,6 +87,9 @@ class ContainerWebView : public WebView {
                                  gpointer self);
   static void onLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self);
   static void onTitle(GObject*, GParamSpec*, gpointer self);
+  static void onMap(GtkWidget*, gpointer self);
+  static void onUnmap(GtkWidget*, gpointer self);
+  void deliver(std::string batch);
   void refuse(const std::string& url);
 
   page::PageBridge bridge_;

@@ -1,9 +1,13 @@
 #include "platforms/sim/headless_runner.h"
 
+#include <algorithm>
 #include <istream>
 #include <ostream>
 
 #include "platforms/sim/runner_commands.h"
+#include "vantu/core/progress_throttle.h"
+#include "vantu/platform/platform.h"
+#include "vantu/runtime/page_events.h"
 #include "vantu/value/json.h"
 
 namespace vantu::sim {
@@ -33,6 +37,17 @@ std::optional<std::string> scenarioCommand(HeadlessRunner& runner, const Dict& l
   return std::nullopt;
 }
 
+std::optional<std::string> emitCommand(HeadlessRunner& runner, const Dict& line, Dict& out) {
+  const Dict* emit = line.find("emit")->asDict();
+  auto name = emit ? emit->getString("name") : std::nullopt;
+  if (!name || name->empty()) return std::string("\"emit\" must be {\"name\": NAME, \"detail\": DETAIL}, NAME a non-empty string");
+  const Value* detail = emit->find("detail");
+  page::PageEvents::shared().post(*name, detail ? *detail : Value());
+  out.set("emitted", *name);
+  out.set("settled", runner.settle());
+  return std::nullopt;
+}
+
 Array toArray(std::vector<Dict> items) {
   Array a;
   a.reserve(items.size());
@@ -48,6 +63,11 @@ std::vector<HeadlessRunner::LineCommand> HeadlessRunner::lineCommands() {
        [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.call(line, out); }},
       {"advance", R"({"advance": 0.25})", advanceCommand},
       {"scenario", R"({"scenario": {"defaultScreen": "other"}})", scenarioCommand},
+      {"on", R"({"on": "networkChanged"})",
+       [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.listen(line, out, true); }},
+      {"off", R"({"off": "networkChanged"})",
+       [](HeadlessRunner& r, const Dict& line, Dict& out) { return r.listen(line, out, false); }},
+      {"emit", R"({"emit": {"name": "signedIn", "detail": {"user": "ana"}}})", emitCommand},
   };
   for (auto& command : familyRunnerCommands()) commands.push_back(std::move(command));
   return commands;
@@ -56,9 +76,25 @@ std::vector<HeadlessRunner::LineCommand> HeadlessRunner::lineCommands() {
 HeadlessRunner::HeadlessRunner(SimDevice& device, RunnerOptions options) : device_(device), options_(options) {
   registerAllBridges(registry_);
   for (auto& command : lineCommands()) addCommand(std::move(command.key), std::move(command.handle));
+  eventSubscription_ = page::PageEvents::shared().listen([this](std::string_view name, const Value& detail) {
+    if (std::find(listening_.begin(), listening_.end(), name) == listening_.end()) return;
+    std::lock_guard lock(inboxMutex_);
+    events_.push_back(Dict{{"event", std::string(name)}, {"detail", detail}});
+  });
 }
 
 void HeadlessRunner::addCommand(std::string key, Command command) { commands_.emplace_back(std::move(key), std::move(command)); }
+
+std::optional<std::string> HeadlessRunner::listen(const Dict& line, Dict& out, bool on) {
+  const char* key = on ? "on" : "off";
+  auto name = line.getString(key);
+  if (!name || name->empty()) return "\"" + std::string(key) + "\" must be an event name (a non-empty string)";
+  auto found = std::find(listening_.begin(), listening_.end(), *name);
+  if (on && found == listening_.end()) listening_.push_back(*name);
+  if (!on && found != listening_.end()) listening_.erase(found);
+  out.set(key, *name);
+  return std::nullopt;
+}
 
 bool HeadlessRunner::settle() { return device_.dispatch().settle(options_.settleTimeout); }
 
@@ -86,10 +122,23 @@ std::optional<std::string> HeadlessRunner::call(const Dict& line, Dict& out) {
   out.set("screen", screen ? Value(screen->name()) : Value());
 
   const std::size_t callLine = lineNumber_;
-  H5HandlerInputParams params(std::move(screen), std::move(data), [this, callLine](const Value& answer) {
-    std::lock_guard lock(inboxMutex_);
-    inbox_.emplace_back(callLine, answer);
-  });
+  const Value* wantsProgress = line.find("progress");
+  if (wantsProgress && !wantsProgress->isBool()) return std::string("\"progress\" must be true or false");
+  // Progress is throttled as a page's is, on the device's virtual clock.
+  auto throttled = throttledCall(
+      [this, callLine](const Value& answer) {
+        std::lock_guard lock(inboxMutex_);
+        inbox_.emplace_back(callLine, answer);
+      },
+      [this, callLine](const TransferProgress& progress) {
+        Dict report{{"received", progress.received}};
+        report.set("total", progress.total ? Value(*progress.total) : Value());
+        std::lock_guard lock(inboxMutex_);
+        events_.push_back(Dict{{"progress", std::move(report)}, {"call", static_cast<std::int64_t>(callLine)}});
+      },
+      platform().dispatch);
+  H5HandlerInputParams params(std::move(screen), std::move(data), std::move(throttled.callback),
+                              wantsProgress && *wantsProgress->asBool() ? std::move(throttled.progress) : H5Progress());
   device_.dispatch().main()->async([this, name = *bridge, params = std::move(params)]() mutable {
     registry_.dispatch(name, std::move(params));
   });
@@ -100,6 +149,7 @@ std::optional<std::string> HeadlessRunner::call(const Dict& line, Dict& out) {
 void HeadlessRunner::report(Dict& out) {
   Array answers;
   Array late;
+  Array events;
   {
     std::lock_guard lock(inboxMutex_);
     for (auto& [callLine, answer] : inbox_) {
@@ -110,9 +160,11 @@ void HeadlessRunner::report(Dict& out) {
       }
     }
     inbox_.clear();
+    events.swap(events_);
   }
   if (out.contains("bridge") && !out.contains("error")) out.set("answers", std::move(answers));
   if (!late.empty()) out.set("lateAnswers", std::move(late));
+  if (!events.empty()) out.set("events", std::move(events));
   out.set("delegateCalls", toArray(device_.takeDelegateCalls()));
   Array printed;
   for (auto& text : device_.takePrintedLines()) printed.emplace_back(std::move(text));

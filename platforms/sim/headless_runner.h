@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "vantu/value/value.h"
+
 #include "platforms/sim/sim_device.h"
 #include "vantu/runtime/bridge_registry.h"
 
@@ -55,6 +57,7 @@ class HeadlessRunner {
 
  private:
   std::optional<std::string> call(const Dict& line, Dict& out);
+  std::optional<std::string> listen(const Dict& line, Dict& out, bool on);
   void report(Dict& out);
 
   SimDevice& device_;
@@ -65,6 +68,9 @@ class HeadlessRunner {
 
   std::mutex inboxMutex_;
   std::vector<std::pair<std::size_t, Value>> inbox_;  // (call line, answer)
+  Array events_;  // events and progress reports of the current line, in order
+  std::vector<std::string> listening_;  // event names reported, as a page's listeners
+  std::shared_ptr<void> eventSubscription_;
 };
 
 }  // namespace vantu::sim

@@ -10,6 +10,7 @@
 #include "vantu/core/laizaxlu.h"
 #include "vantu/platform/alert_controller.h"
 #include "vantu/runtime/page_bridge.h"
+#include "vantu/runtime/page_events.h"
 
 namespace vantu::page {
 namespace {
@@ -51,10 +52,17 @@ TEST(PageMessage, ReadsWellFormedMessagesAndSaysWhatIsWrongWithTheRest) {
   EXPECT_EQ(json::write(message.data), R"({"keys":["a"]})");
 }
 
-TEST(PageMessage, DeliveryScriptInlinesThePayloadAsValidJavaScript) {
+TEST(PageMessage, BatchEntriesAreJsonThatIsAlsoValidJavaScript) {
+  std::string entries;
   // U+2028 ends a line in older JavaScript: it must arrive escaped.
-  EXPECT_EQ(deliveryScript(12, Dict{{"data", "a\u2028b"}, {"n", 1.5}}),
-            R"(window.vantu.__deliver(12,{"data":"a\u2028b","n":1.5});)");
+  appendAnswerEntry(entries, 12, Dict{{"data", "a\u2028b"}, {"n", 1.5}});
+  appendProgressEntry(entries, 13, TransferProgress{65536, std::nullopt});
+  appendProgressEntry(entries, 13, TransferProgress{70000, 70000});
+  appendEventEntry(entries, "say \"hi\"", Value());
+  EXPECT_EQ(entries,
+            R"([0,12,{"data":"a\u2028b","n":1.5}],[1,13,{"received":65536,"total":null}],)"
+            R"([1,13,{"received":70000,"total":70000}],[2,"say \"hi\"",null])");
+  EXPECT_EQ(receiveScript("[" + entries + "]"), "window.vantu.__receive([" + entries + "]);");
 }
 
 class PageBridgeTest : public testing_support::BridgeTestFixture {
@@ -64,7 +72,8 @@ class PageBridgeTest : public testing_support::BridgeTestFixture {
     apply(R"({"screens": [{"name": "page", "uniqueAppIdentifier": "shop.mini"}]})");
     Laizaxlu::shared().setupWhiteListWebDomains({"shop.example"});
     bridge = std::make_unique<PageBridge>(std::shared_ptr<BridgeRegistry>(std::shared_ptr<void>(), &registry),
-                                          [this](std::string script) { scripts.push_back(std::move(script)); });
+                                          [this](std::string batch) { scripts.push_back(std::move(batch)); },
+                                          [this] { return pageUrl; });
     bridge->setScreen(device.screen("page"));
   }
 
@@ -75,7 +84,8 @@ class PageBridgeTest : public testing_support::BridgeTestFixture {
   }
 
   std::unique_ptr<PageBridge> bridge;
-  Strings scripts;
+  Strings scripts;  // the batches delivered
+  std::string pageUrl = "https://shop.example/index.html";
 };
 
 TEST_F(PageBridgeTest, OnlyTheTopFrameOfAWhitelistedPageReachesTheBridges) {
@@ -85,7 +95,7 @@ TEST_F(PageBridgeTest, OnlyTheTopFrameOfAWhitelistedPageReachesTheBridges) {
   EXPECT_EQ(send(call, {true, "not a url at all"}), Receipt::refused);
   EXPECT_TRUE(scripts.empty());  // a refused frame learns nothing
   EXPECT_EQ(send(call), Receipt::dispatched);
-  EXPECT_EQ(scripts, Strings{R"(window.vantu.__deliver(1,{"data":"Apple"});)"});
+  EXPECT_EQ(scripts, Strings{R"([[0,1,{"data":"Apple"}]])"});
 }
 
 TEST_F(PageBridgeTest, EveryReadableMessageIsAnswered) {
@@ -93,9 +103,9 @@ TEST_F(PageBridgeTest, EveryReadableMessageIsAnswered) {
   EXPECT_EQ(send(R"({"id": 4, "bridge": "vantuGetData", "data": "keys"})"), Receipt::malformedAnswered);
   EXPECT_EQ(send("{oops"), Receipt::malformedDropped);
   ASSERT_EQ(scripts.size(), 2u);
-  EXPECT_EQ(scripts[0], R"(window.vantu.__deliver(3,{"error":2,"message":"Unknown bridge: noSuchBridge"});)");
+  EXPECT_EQ(scripts[0], R"([[0,3,{"error":2,"message":"Unknown bridge: noSuchBridge"}]])");
   EXPECT_EQ(scripts[1],
-            R"(window.vantu.__deliver(4,{"error":2,"message":"Malformed bridge message: \"data\" must be an object"});)");
+            R"([[0,4,{"error":2,"message":"Malformed bridge message: \"data\" must be an object"}]])");
 }
 
 TEST_F(PageBridgeTest, AnswersOwedToAReplacedOrClosedPageAreDropped) {
@@ -112,7 +122,7 @@ TEST_F(PageBridgeTest, AnswersOwedToAReplacedOrClosedPageAreDropped) {
   const std::string alert = R"({"id": 1, "bridge": "showAlert", "data": {"message": "m", "type": "normal"}})";
   send(alert);
   tapFirstButton();
-  EXPECT_EQ(scripts, Strings{R"(window.vantu.__deliver(1,{"data":{"success":true}});)"});
+  EXPECT_EQ(scripts, Strings{R"([[0,1,{"data":{"success":true}}]])"});
 
   send(alert);
   bridge->pageReplaced();
@@ -136,9 +146,9 @@ TEST_F(PageBridgeTest, AnAnswerGivenOnAnotherThreadReachesThePageFromTheMainQueu
   registry.add("elsewhere", [handler] { return handler; });
   std::vector<std::thread::id> evaluatedOn;
   bridge = std::make_unique<PageBridge>(std::shared_ptr<BridgeRegistry>(std::shared_ptr<void>(), &registry),
-                                        [&](std::string script) {
+                                        [&](std::string batch) {
                                           evaluatedOn.push_back(std::this_thread::get_id());
-                                          scripts.push_back(std::move(script));
+                                          scripts.push_back(std::move(batch));
                                         });
   bridge->setScreen(device.screen("page"));
   EXPECT_EQ(bridge->receive(R"({"id": 7, "bridge": "elsewhere"})", {true, "https://shop.example/"}),
@@ -147,8 +157,112 @@ TEST_F(PageBridgeTest, AnAnswerGivenOnAnotherThreadReachesThePageFromTheMainQueu
   std::thread([callback = handler->kept] { callback(Dict{{"data", "late"}}); }).join();
   EXPECT_TRUE(scripts.empty());  // waits for the main queue
   settle();
-  EXPECT_EQ(scripts, Strings{R"(window.vantu.__deliver(7,{"data":"late"});)"});
+  EXPECT_EQ(scripts, Strings{R"([[0,7,{"data":"late"}]])"});
   EXPECT_EQ(evaluatedOn, std::vector<std::thread::id>{std::this_thread::get_id()});
+}
+
+}  // namespace
+}  // namespace vantu::page
+
+namespace vantu::page {
+namespace {
+
+// Reports `steps` progress counts 50 ms of virtual time apart, then answers.
+class SteppedTransferHandler : public H5BaseHandler {
+ public:
+  void handleWith(H5HandlerInputParams params) override {
+    const auto steps = params.data.getInt("steps").value_or(1);
+    for (std::int64_t i = 1; i <= steps; ++i) {
+      platform().dispatch->main()->asyncAfter(std::chrono::milliseconds(50 * (i - 1)), [params, i, steps] {
+        params.progress(TransferProgress{i * 10, steps * 10});
+        if (i == steps) params.callback(Dict{{"data", "done"}});
+      });
+    }
+  }
+};
+
+class PageDeliveryTest : public PageBridgeTest {
+ protected:
+  void SetUp() override {
+    PageBridgeTest::SetUp();
+    registry.add("stepped", [] { return std::make_shared<SteppedTransferHandler>(); });
+  }
+};
+
+TEST_F(PageDeliveryTest, WhatIsReadyInOneTurnGoesOutAsOneBatchInOrder) {
+  const Origin page{true, "https://shop.example/index.html"};
+  bridge->receive(R"({"id": 1, "bridge": "vantuDeviceManufacturer"})", page);
+  bridge->emit("signedIn", Dict{{"user", "ana"}});
+  bridge->receive(R"({"id": 2, "bridge": "noSuchBridge"})", page);
+  bridge->receive(R"({"id": 3, "bridge": "vantuDeviceManufacturer"})", page);
+  EXPECT_TRUE(scripts.empty());  // sent from the main queue, after this turn
+  settle();
+  EXPECT_EQ(scripts, Strings{R"([[0,1,{"data":"Apple"}],[2,"signedIn",{"user":"ana"}],)"
+                             R"([0,2,{"error":2,"message":"Unknown bridge: noSuchBridge"}],[0,3,{"data":"Apple"}]])"});
+  send(R"({"id": 4, "bridge": "vantuDeviceManufacturer"})");
+  EXPECT_EQ(scripts.back(), R"([[0,4,{"data":"Apple"}]])");  // the next turn, the next batch
+}
+
+TEST_F(PageDeliveryTest, EventsReachOnlyAWhitelistedPageAndNeverTheDocumentAfterIt) {
+  struct Case {
+    const char* pageUrl;
+    bool replaceBeforeSending;
+    Strings batches;
+  };
+  const Case cases[] = {
+      {"https://shop.example/index.html", false, {R"([[2,"back",null]])"}},
+      {"https://elsewhere.example/", false, {}},
+      {"https://shop.example/index.html", true, {}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.pageUrl);
+    scripts.clear();
+    pageUrl = c.pageUrl;
+    bridge->pageReplaced();  // a new document: admission is decided again
+    bridge->emit("back", Value());
+    bridge->emit("", Value());  // no name: ignored
+    if (c.replaceBeforeSending) bridge->pageReplaced();
+    settle();
+    EXPECT_EQ(scripts, c.batches);
+  }
+}
+
+TEST_F(PageDeliveryTest, NetworkChangesAndSharedEventsReachEveryPage) {
+  Strings observed;
+  bridge->setObserver({nullptr, nullptr, nullptr, nullptr,
+                       [&](std::string_view name, const Value& detail) {
+                         observed.push_back(std::string(name) + " " + json::write(detail));
+                       }});
+  apply(R"({"device": {"network": {"flags": []}}})");
+  settle();
+  PageEvents::shared().post("signedOut", Value());
+  settle();
+  apply(R"({"device": {"network": {"flags": ["reachable", "isWWAN"], "radioAccessTechnology": "CTRadioAccessTechnologyLTE"}}})");
+  settle();
+  // Flags that differ but give the same text say nothing new.
+  apply(R"({"device": {"network": {"flags": ["reachable", "isWWAN", "isDirect"]}}})");
+  settle();
+  EXPECT_EQ(scripts, (Strings{R"([[2,"networkChanged",{"type":"No Connection"}]])", R"([[2,"signedOut",null]])",
+                              R"([[2,"networkChanged",{"type":"4G"}]])"}));
+  EXPECT_EQ(observed.size(), 3u);
+}
+
+TEST_F(PageDeliveryTest, ProgressIsThrottledAndTheLastCountPrecedesTheAnswer) {
+  Strings observed;
+  bridge->setObserver({nullptr, nullptr, nullptr,
+                       [&](std::int64_t id, std::string_view bridgeName, const TransferProgress& p) {
+                         observed.push_back(std::to_string(id) + " " + std::string(bridgeName) + " " +
+                                            std::to_string(p.received));
+                       },
+                       nullptr});
+  send(R"({"id": 5, "bridge": "stepped", "data": {"steps": 5}})");
+  device.dispatch().advance(std::chrono::milliseconds(200));
+  // Counts at 0, 50, 100, 150 and 200 ms: 10 goes out at once; 20 is held
+  // and overtaken by 30, which goes out at 100 ms; 40 is held and overtaken
+  // by 50, which goes out at 200 ms in the same batch as the answer.
+  EXPECT_EQ(scripts, (Strings{R"([[1,5,{"received":10,"total":50}]])", R"([[1,5,{"received":30,"total":50}]])",
+                              R"([[1,5,{"received":50,"total":50}],[0,5,{"data":"done"}]])"}));
+  EXPECT_EQ(observed, (Strings{"5 stepped 10", "5 stepped 30", "5 stepped 50"}));
 }
 
 }  // namespace

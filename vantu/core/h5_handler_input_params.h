@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <memory>
 
+#include "vantu/platform/transfer_progress.h"
 #include "vantu/platform/view_controller.h"
 #include "vantu/value/value.h"
 
@@ -32,13 +33,37 @@ class H5Callback {
   std::function<void(const Value& answer)> function_;
 };
 
+/// Receives the progress of a call's transfer, for the page's progress
+/// listener. Like H5Callback, never empty: one made from nothing drops the
+/// reports. Call it on the main thread; the page end throttles the reports.
+class H5Progress {
+ public:
+  H5Progress() = default;
+  template <class F>
+    requires std::invocable<F&, const TransferProgress&> && (!std::same_as<std::remove_cvref_t<F>, H5Progress>)
+  H5Progress(F function)  // NOLINT(google-explicit-constructor): any callable is a progress sink
+      : function_(std::move(function)) {}
+
+  void operator()(const TransferProgress& progress) const {
+    if (function_) function_(progress);
+  }
+
+ private:
+  std::function<void(const TransferProgress&)> function_;
+};
+
 struct H5HandlerInputParams {
   std::shared_ptr<ViewController> viewController;  // may be absent
   Dict data;                                       // the page's arguments as sent
   H5Callback callback;
+  H5Progress progress;  // for bridges that report how far they are
 
-  H5HandlerInputParams(std::shared_ptr<ViewController> viewController, Dict data, H5Callback callback)
-      : viewController(std::move(viewController)), data(std::move(data)), callback(std::move(callback)) {}
+  H5HandlerInputParams(std::shared_ptr<ViewController> viewController, Dict data, H5Callback callback,
+                       H5Progress progress = {})
+      : viewController(std::move(viewController)),
+        data(std::move(data)),
+        callback(std::move(callback)),
+        progress(std::move(progress)) {}
 };
 
 }  // namespace vantu

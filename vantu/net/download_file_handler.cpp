@@ -58,7 +58,8 @@ void DownloadFileHandler::handleWith(H5HandlerInputParams params) {
   UrlRequest request;
   request.url = *url;
   request.timeoutSeconds = kDownloadTimeoutSeconds;
-  transport->start(HttpTransfer{std::move(request), *partial},
+  // The page's progress listener hears of the body as it arrives.
+  transport->start(HttpTransfer{std::move(request), *partial, params.progress},
                    [answer, destination = *destination](HttpTransferResult result) {
                      auto discard = [&] {
                        std::error_code ignored;

@@ -9,6 +9,7 @@
 
 #include "vantu/platform/http_records.h"
 #include "vantu/platform/platform_error.h"
+#include "vantu/platform/transfer_progress.h"
 
 namespace vantu {
 
@@ -38,6 +39,11 @@ struct HttpTransfer {
   /// not exist yet) instead of being kept in memory. A failed transfer
   /// leaves no file behind.
   std::optional<std::filesystem::path> downloadTo;
+  /// When set, called on the main queue as the body arrives (as often as
+  /// the transport likes, never after the completion), and once more with
+  /// the final count just before the completion when that count was not
+  /// reported yet.
+  std::function<void(const TransferProgress&)> progress;
 };
 
 struct HttpTransferResult {

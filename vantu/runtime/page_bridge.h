@@ -1,7 +1,7 @@
 #pragma once
 // One page's end of the page protocol: takes the page's message texts,
 // refuses what may not call bridges, runs the calls through a registry and
-// sends every answer back as a delivery script.
+// sends answers, progress reports and events back in batches.
 //
 // The gate: only the top frame of a page whose URL passes the web-domain
 // check may call: the bridge's own whitelist when it was given one (a
@@ -11,6 +11,10 @@
 // nothing from them. Everything else gets an answer: a malformed message
 // with a readable id gets a flat error for that id, an unknown bridge the
 // registry's flat error.
+//
+// Batches: whatever becomes ready for the page during one turn of the main
+// queue goes out as one batch, in the order it became ready, from a task
+// queued on the main queue behind the work already there.
 
 #include <cstdint>
 #include <functional>
@@ -19,6 +23,7 @@
 #include <string_view>
 
 #include "vantu/core/h5_white_list_domain_data.h"
+#include "vantu/platform/transfer_progress.h"
 #include "vantu/platform/view_controller.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/runtime/page_message.h"
@@ -41,14 +46,23 @@ struct PageObserver {
   std::function<void(std::int64_t id, std::string_view bridge, const Value& answer)> answer;
   /// A message that was refused or could not be read at all.
   std::function<void(std::string_view reason)> rejected;
+  /// A progress report on its way to the page (after throttling).
+  std::function<void(std::int64_t id, std::string_view bridge, const TransferProgress& progress)> progress;
+  /// An event on its way to the page.
+  std::function<void(std::string_view name, const Value& detail)> event;
 };
 
 class PageBridge {
  public:
-  /// Runs a script in the page's top frame (its main world).
-  using Evaluate = std::function<void(std::string script)>;
+  /// Hands one batch to the page's top frame: `batch` is the JSON text of an
+  /// array of entries for `window.vantu.__receive` (docs/page-protocol.md).
+  using Deliver = std::function<void(std::string batch)>;
+  /// The URL of the page the web view shows now.
+  using PageUrl = std::function<std::string()>;
 
-  PageBridge(std::shared_ptr<BridgeRegistry> registry, Evaluate evaluate);
+  /// Events reach the page only while `pageUrl` gives a URL that passes the
+  /// whitelist (checked once per document); without it, no events.
+  PageBridge(std::shared_ptr<BridgeRegistry> registry, Deliver deliver, PageUrl pageUrl = {});
   ~PageBridge();
   PageBridge(const PageBridge&) = delete;
   PageBridge& operator=(const PageBridge&) = delete;
@@ -71,8 +85,12 @@ class PageBridge {
   /// Handles one message text. Call on the main thread.
   Receipt receive(std::string_view text, const Origin& origin);
 
-  /// A new document replaced the page: answers still owed to the old one are
-  /// dropped rather than handed to the new one.
+  /// Sends an event to the page (after what is already on its way). An
+  /// empty name is ignored. Call on the main thread.
+  void emit(std::string_view name, const Value& detail);
+
+  /// A new document replaced the page: answers, progress and events still
+  /// owed to the old one are dropped rather than handed to the new one.
   void pageReplaced();
 
  private:
@@ -82,6 +100,7 @@ class PageBridge {
   std::weak_ptr<ViewController> screen_;
   PageObserver observer_;
   std::shared_ptr<const H5WhiteListDomainData> domains_;
+  std::shared_ptr<void> eventSubscription_;
 };
 
 }  // namespace vantu::page

@@ -32,13 +32,83 @@ std::variant<Message, MalformedMessage> parseMessage(std::string_view text) {
 
 Dict malformedAnswer(const MalformedMessage& malformed) { return payload::failure(malformed.reason); }
 
-std::string deliveryScript(std::int64_t id, const Value& payload) {
-  std::string script = "window.vantu.__deliver(";
+namespace {
+
+void appendInteger(std::string& out, std::int64_t n) {
   char digits[24];
-  auto end = std::to_chars(digits, digits + sizeof digits, id).ptr;
-  script.append(digits, end);
-  script += ',';
-  json::writeTo(script, payload);
+  auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
+  out.append(digits, end);
+}
+
+// About how long the JSON text of `value` is (exact for plain ASCII
+// strings): room for a large answer is made once, instead of the text
+// growing by doubling, which holds the old and the new buffer at once.
+std::size_t estimatedJsonSize(const Value& value) {
+  if (const std::string* text = value.asString()) return text->size() + 2;
+  if (const Bytes* bytes = value.asBytes()) return (bytes->data.size() + 2) / 3 * 4 + 2;
+  if (const Array* array = value.asArray()) {
+    std::size_t size = 2;
+    for (const auto& item : *array) size += estimatedJsonSize(item) + 1;
+    return size;
+  }
+  if (const Dict* dict = value.asDict()) {
+    std::size_t size = 2;
+    for (const auto& [key, item] : *dict) size += key.text().size() + 4 + estimatedJsonSize(item);
+    return size;
+  }
+  return 24;
+}
+
+// Reserves only for large answers: a small one fits the buffer anyway.
+void reserveFor(std::string& out, const Value& payload) {
+  constexpr std::size_t kWorthIt = 64 * 1024;
+  const std::size_t estimate = estimatedJsonSize(payload);
+  if (estimate >= kWorthIt) out.reserve(out.size() + estimate + 64);
+}
+
+void openEntry(std::string& out, char kind) {
+  if (!out.empty() && out.back() != '[') out += ',';
+  out += '[';
+  out += kind;
+  out += ',';
+}
+
+}  // namespace
+
+void appendAnswerEntry(std::string& out, std::int64_t id, const Value& payload) {
+  reserveFor(out, payload);
+  openEntry(out, '0');
+  appendInteger(out, id);
+  out += ',';
+  json::writeTo(out, payload);
+  out += ']';
+}
+
+void appendProgressEntry(std::string& out, std::int64_t id, const TransferProgress& progress) {
+  openEntry(out, '1');
+  appendInteger(out, id);
+  out += ",{\"received\":";
+  appendInteger(out, progress.received);
+  out += ",\"total\":";
+  if (progress.total) {
+    appendInteger(out, *progress.total);
+  } else {
+    out += "null";
+  }
+  out += "}]";
+}
+
+void appendEventEntry(std::string& out, std::string_view name, const Value& detail) {
+  openEntry(out, '2');
+  json::writeTo(out, Value(std::string(name)));
+  out += ',';
+  json::writeTo(out, detail);
+  out += ']';
+}
+
+std::string receiveScript(std::string_view batch) {
+  std::string script = "window.vantu.__receive(";
+  script.append(batch);
   script += ");";
   return script;
 }

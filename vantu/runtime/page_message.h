@@ -1,8 +1,8 @@
 #pragma once
 // The page protocol's wire format. A page sends one JSON text per call,
 // {"id": <positive integer>, "bridge": <name>, "data": {...}}; native code
-// answers by running `window.vantu.__deliver(id, payload)` in the page, as
-// many times as the bridge answers.
+// sends batches of entries (answers, progress reports, events) to the
+// page's `window.vantu.__receive(batch)`.
 
 #include <cstdint>
 #include <optional>
@@ -10,6 +10,7 @@
 #include <string_view>
 #include <variant>
 
+#include "vantu/platform/transfer_progress.h"
 #include "vantu/value/value.h"
 
 namespace vantu::page {
@@ -36,9 +37,15 @@ std::variant<Message, MalformedMessage> parseMessage(std::string_view text);
 /// The answer a malformed message gets: {"error": 2, "message": <reason>}.
 Dict malformedAnswer(const MalformedMessage& malformed);
 
-/// The JavaScript that hands `payload` to the page's SDK for call `id`: the
-/// payload is inlined as a JSON literal (JSON written by this library is
-/// also valid JavaScript).
-std::string deliveryScript(std::int64_t id, const Value& payload);
+/// Appends one batch entry to `out` (a batch being written), with a comma
+/// before it unless it is the first (`out` empty or ending in its "[").
+void appendAnswerEntry(std::string& out, std::int64_t id, const Value& payload);
+void appendProgressEntry(std::string& out, std::int64_t id, const TransferProgress& progress);
+void appendEventEntry(std::string& out, std::string_view name, const Value& detail);
+
+/// The JavaScript that hands a batch (the JSON text of an array of entries)
+/// to the page's SDK, the batch inlined: JSON written by this library is
+/// also valid JavaScript.
+std::string receiveScript(std::string_view batch);
 
 }  // namespace vantu::page

@@ -4,6 +4,7 @@
 #include "vantu/core/laizaxlu.h"
 #include "vantu/device/permission_handler_factory.h"
 #include "vantu/runtime/environment_services.h"
+#include "vantu/runtime/page_events.h"
 #include "vantu/storage/user_defaults_data_store_impl.h"
 
 namespace vantu {
@@ -13,6 +14,7 @@ void resetSharedStateForTesting() {
   H5DynamicProvider::shared().resetForTesting();
   UserDefaultsDataStoreImpl::resetForTesting();
   PermissionHandlerFactory::shared().resetForTesting();
+  page::PageEvents::shared().resetForTesting();
   connectEnvironmentServices();
 }
 

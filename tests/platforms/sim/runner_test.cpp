@@ -65,6 +65,22 @@ class ThreadedHandler : public H5BaseHandler {
   std::shared_ptr<OutstandingWork> leaked_;
 };
 
+// Reports how far it is, "steps" counts 50 ms of virtual time apart from
+// the call on, then answers (the throttling of progress, case 17).
+class SteppedTransferHandler : public H5BaseHandler {
+ public:
+  static constexpr std::string_view kBridgeName = "test.progress";
+  void handleWith(H5HandlerInputParams params) override {
+    const auto steps = params.data.getInt("steps").value_or(1);
+    for (std::int64_t i = 1; i <= steps; ++i) {
+      platform().dispatch->main()->asyncAfter(std::chrono::milliseconds(50 * (i - 1)), [params, i, steps] {
+        params.progress(TransferProgress{i * 10, steps * 10});
+        if (i == steps) params.callback(payload::success("done"));
+      });
+    }
+  }
+};
+
 class RunnerCases : public testing::TestWithParam<std::string> {};
 
 TEST_P(RunnerCases, ProducesTheExpectedLines) {
@@ -83,7 +99,8 @@ TEST_P(RunnerCases, ProducesTheExpectedLines) {
   RunnerOptions options;
   options.settleTimeout = std::chrono::milliseconds(caseFile->getInt("settleTimeoutMs").value_or(10000));
   HeadlessRunner runner(device, options);
-  runner.registry().addAll(BridgeList<AnswerTwiceHandler, AnswerLaterHandler, PrintingHandler, ThreadedHandler>{});
+  runner.registry().addAll(BridgeList<AnswerTwiceHandler, AnswerLaterHandler, PrintingHandler, ThreadedHandler,
+                                     SteppedTransferHandler>{});
 
   auto expected = caseFile->getArray("expect").value_or(Array{});
   std::vector<Value> outputs;
