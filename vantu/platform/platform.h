@@ -48,7 +48,9 @@ struct Platform {
   std::shared_ptr<PhotoLibrary> photoLibrary;
   /// Reads the pictures pages send; may be null (then no picture is read).
   std::shared_ptr<ImageDecoder> imageDecoder;
-  /// Moves that must not replace a file; may be null (then such moves fail).
+  /// Moves that must not replace a file, and files of the app's folders
+  /// reached without following links; may be null (then such moves fail and
+  /// the download folder is unavailable).
   std::shared_ptr<FileSystem> fileSystem;
   /// The user's documents directory; empty when the platform has none.
   std::filesystem::path documentsDirectory;
