@@ -1,16 +1,17 @@
-// libFuzzer target for the image decoder (stb_image behind the library's own
-// guards): any input must decode or give nothing, never crash, and a picture
-// that comes out must be within the limits and have all its pixels.
+// libFuzzer target for the image decoder on gdk-pixbuf: any input must
+// decode or give nothing, never crash, and a picture that comes out must be
+// within the limits and have all its pixels.
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <span>
 
-#include "vantu/core/image_decoder.h"
+#include "platforms/common/pixbuf_image_decoder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  auto image = vantu::decodeImage(std::span<const std::uint8_t>(data, size));
+  static vantu::PixbufImageDecoder decoder;
+  auto image = decoder.decode(std::span<const std::uint8_t>(data, size));
   if (image) {
     const double pixels = image->size.width * image->size.height;
     if (image->size.width < 1 || image->size.height < 1 ||

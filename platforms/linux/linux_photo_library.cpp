@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "vantu/core/image_decoder.h"
 #include "vantu/net/download_folder.h"
+#include "platforms/common/pixbuf_image_decoder.h"
 #include "platforms/common/write_all.h"
 
 namespace vantu::linux_platform {
@@ -30,7 +30,7 @@ PlatformError failure(std::string description) {
 }  // namespace
 
 void LinuxPhotoLibrary::doCreateAsset(Bytes encodedImage, Completion completion) {
-  if (!decodeImage(encodedImage.data)) return completion(false, failure("The data is not a picture."));
+  if (!PixbufImageDecoder().decode(encodedImage.data)) return completion(false, failure("The data is not a picture."));
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);
   for (int attempt = 0; attempt < kNameAttempts; ++attempt) {

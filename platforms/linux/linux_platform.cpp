@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platforms/common/pixbuf_image_decoder.h"
 #include "platforms/common/posix_file_system.h"
 #include "platforms/curl/curl_transport.h"
 #include "platforms/linux/linux_application.h"
@@ -82,6 +83,7 @@ LinuxPlatform makeLinuxPlatform(LinuxPlatformOptions options) {
   platform->application = std::make_shared<LinuxApplication>(result.settingsPage);
   platform->httpTransport = std::make_shared<curl::CurlTransport>(result.dispatch);
   platform->fileSystem = std::make_shared<PosixFileSystem>();
+  platform->imageDecoder = std::make_shared<PixbufImageDecoder>();
   platform->documentsDirectory = documentsDirectoryFor(options);
   if (auto pictures = picturesDirectoryFor(options); !pictures.empty()) {
     platform->photoLibrary = std::make_shared<LinuxPhotoLibrary>(std::move(pictures));

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "platforms/common/pixbuf_image_decoder.h"
 #include "platforms/sim/scenario.h"
 #include "platforms/sim/sim_host_delegate.h"
 #include "platforms/store/sqlite_preferences.h"
@@ -72,6 +73,7 @@ SimDevice::SimDevice(std::filesystem::path dataDirectory)
   platform_->photoLibrary = photoLibrary_;
   fileSystem_ = std::make_shared<SimFileSystem>();
   platform_->fileSystem = fileSystem_;
+  platform_->imageDecoder = std::make_shared<PixbufImageDecoder>();
   platform_->documentsDirectory = dataDirectory_ / "Documents";
   platform_->preferences = std::make_shared<store::SqlitePreferences>(store::SqlitePreferencesOptions{dataDirectory_, {}});
 

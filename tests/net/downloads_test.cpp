@@ -173,6 +173,95 @@ TEST_F(Downloads, GalleryFollowsThePhotoLibraryAuthorisationAndLeavesNoLocalCopy
   }
 }
 
+// Links that another local process puts in the download folder, or in its
+// place: each file bridge answers them as it answers a missing file, and
+// nothing outside the folder is read, written or removed.
+class LinksInTheDownloadFolder : public NetFixture {
+ protected:
+  void SetUp() override {
+    NetFixture::SetUp();
+    outside = device.dataDirectory() / "elsewhere";
+    fs::create_directories(outside);
+    fs::create_directories(downloads());
+    std::ofstream(outside / "secret.txt") << "secret";
+    std::ofstream(downloads() / "own.txt") << "own";
+    fs::create_symlink(outside / "secret.txt", downloads() / "to-outside.txt");
+    fs::create_symlink("own.txt", downloads() / "to-inside.txt");
+    fs::create_symlink(outside / "gone.txt", downloads() / "dangling.txt");
+  }
+  /// Puts a link to the outside folder where the download folder was.
+  void replaceFolderWithLink() {
+    fs::rename(downloads(), device.dataDirectory() / "old-downloads");
+    fs::create_directory_symlink(outside, downloads());
+  }
+  void expectOutsideUntouched() {
+    EXPECT_EQ(listing(outside), Strings{"secret.txt"});
+    std::ifstream in(outside / "secret.txt");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "secret");
+  }
+
+  fs::path outside;
+  const std::string notFound = json::write(H5OpErrorUtil::errorResponse(6, "File not found."));
+};
+
+TEST_F(LinksInTheDownloadFolder, GetFilePathAnswersALinkAsAMissingFile) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"own.txt", json::write(payload::success(Dict{{"filePath", (downloads() / "own.txt").string()}, {"success", true}}))},
+      {"to-outside.txt", notFound},
+      {"to-inside.txt", notFound},
+      {"dangling.txt", notFound},
+  };
+  for (const auto& [name, answer] : cases) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(callAndWait("vantuGetFilePath", Dict{{"fileName", name}}).answers, Strings{answer});
+  }
+  replaceFolderWithLink();
+  EXPECT_EQ(callAndWait("vantuGetFilePath", R"({"fileName": "secret.txt"})").answers, Strings{notFound});
+  expectOutsideUntouched();
+}
+
+TEST_F(LinksInTheDownloadFolder, RemoveFileLeavesALinkAndWhatItPointsAt) {
+  for (const char* name : {"to-outside.txt", "to-inside.txt", "dangling.txt"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(callAndWait("vantuRemoveFile", Dict{{"fileName", name}}).answers, Strings{notFound});
+    EXPECT_TRUE(fs::is_symlink(downloads() / name));
+  }
+  EXPECT_TRUE(fs::exists(downloads() / "own.txt"));
+  EXPECT_EQ(callAndWait("vantuRemoveFile", R"({"fileName": "own.txt"})").answers,
+            Strings{R"({"data":{"success":true}})"});
+  EXPECT_FALSE(fs::exists(fs::symlink_status(downloads() / "own.txt")));
+
+  replaceFolderWithLink();
+  EXPECT_EQ(callAndWait("vantuRemoveFile", R"({"fileName": "secret.txt"})").answers, Strings{notFound});
+  expectOutsideUntouched();
+}
+
+TEST_F(LinksInTheDownloadFolder, DownloadFileNeverWritesThroughALink) {
+  const std::string url = server.url("/echo");
+  auto errorOf = [](const Dict& answer) {
+    return answer.getDict("data").value_or(Dict{}).getDict("error").value_or(Dict{});
+  };
+  // A link under the name asked for is a name that is taken.
+  auto taken = errorOf(answerOf(callAndWait("vantuDownloadFile", download("to-outside.txt", url))));
+  EXPECT_EQ(taken.getInt("code"), 11);
+  EXPECT_NE(taken.getString("message").value_or("").find("already exists"), std::string::npos);
+  EXPECT_TRUE(fs::is_symlink(downloads() / "to-outside.txt"));
+
+  replaceFolderWithLink();
+  auto refused = errorOf(answerOf(callAndWait("vantuDownloadFile", download("new.txt", url))));
+  EXPECT_EQ(refused, (Dict{{"code", 11}, {"message", "The download folder is not available."}}));
+  expectOutsideUntouched();
+}
+
+TEST_F(LinksInTheDownloadFolder, GalleryNeverWritesThroughALinkInPlaceOfTheFolder) {
+  apply(R"({"permissions": {"photoLibrary": "authorized"}})");
+  replaceFolderWithLink();
+  auto out = callAndWait("vantuDownloadAndSaveImageToGallery", Dict{{"imageUrl", server.url("/image.png")}});
+  EXPECT_EQ(out.answers, Strings{flatError("SaveImagetoGalleryJSAPIHandler: Failed to move image to gallery!")});
+  EXPECT_TRUE(out.effects.empty());
+  expectOutsideUntouched();
+}
+
 TEST(RandomFileName, HasTheLengthAndAlphabetAsked) {
   EXPECT_EQ(randomFileName(0), "");
   std::set<char> seen;

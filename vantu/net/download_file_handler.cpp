@@ -52,7 +52,8 @@ void DownloadFileHandler::handleWith(H5HandlerInputParams params) {
   auto transport = platform().httpTransport;
   if (!transport) return answer(errorOf(-1, "No HTTP transport is available."));
   auto destination = DownloadFolder::locationOf(*fileName);
-  auto partial = DownloadFolder::locationOf("." + randomFileName(kPartialNameLength) + ".partial");
+  const std::string partialName = "." + randomFileName(kPartialNameLength) + ".partial";
+  auto partial = DownloadFolder::locationOf(partialName);
   if (!destination || !partial) return answer(errorOf(11, "The download folder is not available."));
 
   UrlRequest request;
@@ -60,10 +61,9 @@ void DownloadFileHandler::handleWith(H5HandlerInputParams params) {
   request.timeoutSeconds = kDownloadTimeoutSeconds;
   // The page's progress listener hears of the body as it arrives.
   transport->start(HttpTransfer{std::move(request), *partial, params.progress},
-                   [answer, destination = *destination](HttpTransferResult result) {
+                   [answer, destination = *destination, partialName](HttpTransferResult result) {
                      auto discard = [&] {
-                       std::error_code ignored;
-                       if (result.file) std::filesystem::remove(*result.file, ignored);
+                       if (result.file) DownloadFolder::remove(partialName);
                      };
                      if (result.error) {
                        discard();

@@ -1,6 +1,7 @@
 // The two bridges that look at a file of the download folder by name.
 
 #include <filesystem>
+#include <optional>
 
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/h5_answers.h"
@@ -11,11 +12,13 @@
 namespace vantu {
 namespace {
 
-/// The file's location when something exists there.
+/// The file's location when the folder holds a file or a folder under
+/// `name`. A link, wherever it points, is answered like a missing file, and
+/// so is a pipe, socket or device.
 std::optional<std::filesystem::path> existingFile(const std::string& name) {
   auto location = DownloadFolder::locationOf(name);
-  std::error_code ignored;
-  if (!location || !std::filesystem::exists(std::filesystem::symlink_status(*location, ignored))) return std::nullopt;
+  const FileEntryKind kind = DownloadFolder::kindOf(name);
+  if (!location || (kind != FileEntryKind::regularFile && kind != FileEntryKind::directory)) return std::nullopt;
   return location;
 }
 
@@ -48,11 +51,9 @@ void RemoveFileHandler::handleWith(H5HandlerInputParams params) {
     params.callback(H5OpErrorUtil::errorResponse(6, "File not found."));
     return;
   }
-  // A folder is never removed (the folder holds files only; remove() would
-  // take an empty one).
-  std::error_code error;
-  const bool removed = !std::filesystem::is_directory(std::filesystem::symlink_status(*file, error)) &&
-                       std::filesystem::remove(*file, error);
+  // Only a regular file is removed: a folder (the download folder holds
+  // files only) and whatever replaced the file since the look above stay.
+  const bool removed = !DownloadFolder::remove(*fileName);
   params.callback(removed ? payload::successFlag() : H5OpErrorUtil::errorResponse(7, "File could not be deleted."));
 }
 

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <fstream>
-
 #include "vantu/core/h5_answers.h"
 #include "vantu/core/h5_op_error.h"
 #include "vantu/core/image_decoder.h"
@@ -23,33 +21,29 @@ std::string describe(const PlatformError& error) {
   return fmt::format("Error Domain={} Code={} \"{}\"", error.domain, error.code, error.localizedDescription);
 }
 
-/// The file's bytes when it is small enough to be a picture; then removes it.
-std::optional<Bytes> takeFile(const std::filesystem::path& file) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(file, error);
-  std::optional<Bytes> bytes;
-  if (!error && size <= SaveImageToGalleryHandler::kMaxImageFileBytes) {
-    std::ifstream in(file, std::ios::binary);
-    Bytes read{std::vector<std::uint8_t>(size)};
-    if (in.read(reinterpret_cast<char*>(read.data.data()), static_cast<std::streamsize>(size))) bytes = std::move(read);
-  }
-  std::filesystem::remove(file, error);
-  return bytes;
+/// The bytes of the download folder's file `name` when it is a regular file
+/// small enough to be a picture; then removes it.
+std::optional<Bytes> takeFile(const std::string& name) {
+  auto read = DownloadFolder::read(name, SaveImageToGalleryHandler::kMaxImageFileBytes);
+  DownloadFolder::remove(name);
+  if (!read.ok()) return std::nullopt;
+  return std::move(read.value());
 }
 
 void downloadAndSave(const std::string& imageUrl, const H5Callback& callback) {
   auto answer = [callback](Value value) { callback(value); };
   auto fail = [callback](std::string_view message) { answerFailure(callback, message); };
   auto transport = platform().httpTransport;
-  auto local = DownloadFolder::locationOf(randomFileName(kLocalNameLength));
+  const std::string localName = randomFileName(kLocalNameLength);
+  auto local = DownloadFolder::locationOf(localName);
   if (!Url::parse(imageUrl)) return fail("Valid URL could not be formulated.");
   if (!transport || !local) return fail(kFailedToSave);
   UrlRequest request;
   request.url = imageUrl;
   request.timeoutSeconds = kTimeoutSeconds;
-  transport->start(HttpTransfer{std::move(request), *local}, [answer, fail](HttpTransferResult result) {
+  transport->start(HttpTransfer{std::move(request), *local}, [answer, fail, localName](HttpTransferResult result) {
     if (result.error) return fail(fmt::format("SaveImagetoGalleryJSAPIHandler: {}", describe(*result.error)));
-    auto bytes = takeFile(*result.file);
+    auto bytes = takeFile(localName);
     auto library = platform().photoLibrary;
     if (!bytes || !decodeImage(bytes->data) || !library) return fail(kFailedToSave);
     auto main = platform().dispatch->main();

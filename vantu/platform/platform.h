@@ -14,6 +14,7 @@
 #include "vantu/platform/file_system.h"
 #include "vantu/platform/geocoder.h"
 #include "vantu/platform/http_transport.h"
+#include "vantu/platform/image_decoder.h"
 #include "vantu/platform/images.h"
 #include "vantu/platform/location_services.h"
 #include "vantu/platform/notification_center.h"
@@ -45,7 +46,11 @@ struct Platform {
   std::shared_ptr<HttpTransport> httpTransport;
   /// The user's photo library; may be null (then saving a picture fails).
   std::shared_ptr<PhotoLibrary> photoLibrary;
-  /// Moves that must not replace a file; may be null (then such moves fail).
+  /// Reads the pictures pages send; may be null (then no picture is read).
+  std::shared_ptr<ImageDecoder> imageDecoder;
+  /// Moves that must not replace a file, and files of the app's folders
+  /// reached without following links; may be null (then such moves fail and
+  /// the download folder is unavailable).
   std::shared_ptr<FileSystem> fileSystem;
   /// The user's documents directory; empty when the platform has none.
   std::filesystem::path documentsDirectory;
