@@ -7,7 +7,6 @@
 set(CPACK_PACKAGE_NAME vantu-h5)
 set(CPACK_PACKAGE_VENDOR "vantu-h5 developers")
 set(CPACK_PACKAGE_CONTACT "vantu-h5 developers <vantu-h5@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Runs HTML5 mini-apps in a WebKitGTK container and answers their bridge calls")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL runtime dev)
@@ -20,16 +19,17 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 # The command needs the package's own libraries; they are found in the package.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_INSTALL_LIBDIR})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION_SUMMARY}
- The vantu-h5 libraries (the platform-free bridge library, the Linux platform
- and the WebKitGTK 6 container), the vantu-h5 command (run pages in the
- container, headless bridge runner), the JavaScript SDK for pages and the docs.")
+# The first line of a description is the package's synopsis.
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "runs HTML5 mini-apps in a WebKitGTK container and answers their bridge calls
+The vantu-h5 libraries (the platform-free bridge library, the Linux platform
+and the WebKitGTK 6 container), the vantu-h5 command (runs pages in the
+container; headless bridge runner), the JavaScript SDK for pages and the docs.")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME vantu-h5-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEV_DESCRIPTION "vantu-h5 headers, CMake package and pkg-config files
- What a host application needs to build against vantu-h5:
- find_package(vantu-h5) with the targets vantu::core, vantu::linux and
- vantu::gtk, or pkg-config vantu-h5-core, vantu-h5-linux and vantu-h5-gtk.")
+set(CPACK_DEBIAN_DEV_DESCRIPTION "headers, CMake package and pkg-config files of vantu-h5
+What a host application needs to build against vantu-h5:
+find_package(vantu-h5) with the targets vantu::core, vantu::linux and
+vantu::gtk, or pkg-config vantu-h5-core, vantu-h5-linux and vantu-h5-gtk.")
 
 # The -dev packages a host needs to compile and link against the libraries.
 set(_dev_depends "vantu-h5 (= ${PROJECT_VERSION})" pkg-config "libgtk-4-dev" "libwebkitgtk-6.0-dev" "libsoup-3.0-dev")

@@ -21,16 +21,21 @@ trap 'rm -rf "$root"' EXIT
 for deb in "$runtime" "$dev"; do
   [[ -f $deb ]] || { echo "missing $deb"; exit 1; }
   dpkg-deb -I "$deb"
-  dpkg-deb -c "$deb" >"$root/contents.txt"
-  echo "$(wc -l <"$root/contents.txt") entries in $(basename "$deb")"
+  dpkg-deb -c "$deb" >"$root/$(basename "$deb").contents"
+  echo "$(wc -l <"$root/$(basename "$deb").contents") entries in $(basename "$deb")"
   dpkg -x "$deb" "$root/unpacked"
 done
 # What each package must hold.
-dpkg-deb -c "$runtime" | grep -q '/usr/bin/vantu-h5$'
-dpkg-deb -c "$runtime" | grep -q '/usr/lib/.*libvantu-h5-core\.so\.[0-9.]*$'
-dpkg-deb -f "$runtime" Depends | grep -q 'libwebkitgtk-6.0'
-dpkg-deb -c "$dev" | grep -q '/usr/include/vantu/version.h$'
-dpkg-deb -c "$dev" | grep -q '/usr/lib/.*cmake/vantu-h5/vantu-h5Config.cmake$'
+holds() {  # DEB PATTERN
+  grep -E -- "$2" "$root/$(basename "$1").contents" >/dev/null || { echo "$(basename "$1") lacks $2"; exit 1; }
+}
+holds "$runtime" ' \./usr/bin/vantu-h5$'
+holds "$runtime" ' \./usr/lib/(.*/)?libvantu-h5-core\.so\.[0-9]+ -> '
+holds "$runtime" ' \./usr/share/vantu-h5/sdk/js/vantu\.d\.ts$'
+holds "$dev" ' \./usr/include/vantu/version\.h$'
+holds "$dev" ' \./usr/lib/(.*/)?cmake/vantu-h5/vantu-h5Config\.cmake$'
+holds "$dev" ' \./usr/lib/(.*/)?pkgconfig/vantu-h5-gtk\.pc$'
+dpkg-deb -f "$runtime" Depends | grep 'libwebkitgtk-6.0' >/dev/null || { echo "vantu-h5 does not depend on WebKitGTK"; exit 1; }
 echo "== shared: hosts against the unpacked packages"
 sh tests/install/check_install.sh . --prefix "$root/unpacked/usr"
 echo "packages: $runtime $dev (install with: sudo apt-get install ./$(basename "$runtime") ./$(basename "$dev"))"
