@@ -85,6 +85,8 @@ void Container::push(const std::string& url) { state_->stack->push(url); }
 
 bool Container::pop() { return state_->stack->pop(); }
 
+void Container::emit(std::string_view name, const Value& detail) { state_->stack->emit(name, detail); }
+
 std::size_t Container::depth() const { return state_->stack->navigation()->viewControllers().size(); }
 
 std::vector<std::string> Container::urls() const {

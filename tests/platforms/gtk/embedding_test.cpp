@@ -285,5 +285,26 @@ TEST_F(Embedding, AnAppIdIsRequiredAndUsedByOneContainerAtATime) {
   EXPECT_THROW(first->open("about:blank"), std::logic_error);
 }
 
+
+TEST_F(Embedding, AHostEventReachesOnlyThePagesOfTheContainerThatEmitsIt) {
+  std::ofstream(root() / "pages" / "listen.html") << R"(<!DOCTYPE html><html><head><title>loading</title></head><body><script>
+var heard = [];
+vantu.on("signedIn", function (detail) { heard.push(detail); });
+vantu.on("probe", function () { document.title = "done:" + JSON.stringify(heard); });
+document.title = "ready:";
+</script></body></html>)";
+  first = place(optionsFor("embed.a", {"127.0.0.1"}));
+  second = place(optionsFor("embed.b", {"127.0.0.1"}));
+  for (auto* container : {first.get(), second.get()}) {
+    container->open(url("listen.html"));
+    HostPlatform::runUntil([&] { return container->titles().back() == "ready:"; }, kWait);
+  }
+  first->emit("signedIn", Dict{{"user", "ana"}});
+  for (auto* container : {first.get(), second.get()}) container->emit("probe", Value());
+  EXPECT_EQ(json::write(results(*first)), R"([{"user":"ana"}])");
+  EXPECT_EQ(json::write(results(*second)), "[]");
+}
+
 }  // namespace
 }  // namespace vantu::gtk
+

@@ -24,12 +24,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "vantu/core/app_type.h"
 #include "vantu/core/vantu_h5_delegate.h"
 #include "vantu/runtime/bridge_registry.h"
 #include "vantu/runtime/page_bridge.h"
+#include "vantu/value/value.h"
 
 namespace vantu::gtk {
 
@@ -102,8 +104,12 @@ class Container {
   /// Opens WebKit's inspector for the top screen.
   void showInspector();
 
-  // Native-to-page events (`emit(name, detail)`) are forwarded from here to
-  // the top screen's page once the container supports them.
+  /// Tells every page of this container that listens for `name`
+  /// (`vantu.on(name, listener)`) about it, with `detail` as the listener's
+  /// argument. Only top frames whose URL passes the whitelist hear it, in the
+  /// order emitted; a page that replaced the listening one hears nothing.
+  /// Main thread only.
+  void emit(std::string_view name, const Value& detail);
 
  private:
   struct State;
