@@ -45,13 +45,18 @@ void checkParsed(const std::variant<page::Message, page::MalformedMessage>& pars
   }
 }
 
-// The id and payload of a delivery script, or a finding.
-void checkDelivery(const std::string& script, std::int64_t id) {
-  const std::string prefix = "window.vantu.__deliver(" + std::to_string(id) + ",";
-  constexpr std::string_view kSuffix = ");";
-  if (!script.starts_with(prefix) || !script.ends_with(kSuffix)) fuzzing::finding("not a delivery for the call: " + script);
-  const std::string_view payload(script.data() + prefix.size(), script.size() - prefix.size() - kSuffix.size());
-  if (!json::parse(payload).ok()) fuzzing::finding("a delivered payload does not read back: " + script);
+// A batch delivered for this call: a JSON array of answer entries
+// [0, id, payload] for its id, or a finding.
+void checkDelivery(const std::string& batch, std::int64_t id) {
+  auto parsed = json::parse(batch);
+  const Array* entries = parsed.ok() ? parsed.value().asArray() : nullptr;
+  if (!entries || entries->empty()) fuzzing::finding("a batch that does not read back: " + batch);
+  for (const Value& entry : *entries) {
+    const Array* fields = entry.asArray();
+    if (!fields || fields->size() != 3 || (*fields)[0].asInt() != 0 || (*fields)[1].asInt() != id) {
+      fuzzing::finding("not an answer for the call: " + batch);
+    }
+  }
 }
 
 }  // namespace
