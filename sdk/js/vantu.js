@@ -37,7 +37,7 @@
     return !doc.dispatchEvent(new root.CustomEvent("vantu:post", { detail: messageText, cancelable: true }));
   }
 
-  var VERSION = "1.0.0";
+  var VERSION = "1.1.0";
   var NO_NATIVE_CODE = 2;
 
   class VantuError extends Error {
